@@ -1,0 +1,70 @@
+// Linux, where the server is built and tested. It has no Application Support directory, no preferences domains and no
+// system sounds, so those answers are "none".
+#include <pthread.h>
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "platform/platform.h"
+
+namespace orvane::platform {
+
+namespace {
+
+std::string lookUpHomeDirectory() {
+  std::vector<char> buffer(1024);
+  passwd entry{};
+  passwd* found = nullptr;
+  int error = 0;
+  while ((error = getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found)) == ERANGE) {
+    buffer.resize(buffer.size() * 2);
+  }
+  if (error == 0 && found != nullptr && found->pw_dir[0] == '/') return found->pw_dir;
+  // A directory that neither exists nor can be made by a user stands in for a home that the system does not know.
+  return "/var/empty";
+}
+
+}  // namespace
+
+std::string homeDirectory() {
+  // A home does not move while a process runs, and reading the user database costs more than most requests.
+  static const std::string home = lookUpHomeDirectory();
+  return home;
+}
+
+std::optional<std::string> applicationSupportDirectory() { return std::nullopt; }
+
+std::vector<std::string> preferencesStringArray(const std::string&, const std::string&) { return {}; }
+
+void playSystemSound(const std::string&) {}
+
+Peer peerOf(int socket) {
+  ucred credentials{};
+  socklen_t length = sizeof credentials;
+  if (getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &credentials, &length) != 0) return {errno, 0};
+  return {0, credentials.uid};
+}
+
+void suppressSigpipe(int) {}
+
+int sendFlags() { return MSG_NOSIGNAL; }
+
+sockaddr_un socketAddress(const std::string& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  std::memcpy(address.sun_path, path.data(), path.size());
+  return address;
+}
+
+int flushToDisk(int descriptor) { return fsync(descriptor); }
+
+void nameThread(const char* name) {
+  // The kernel takes 15 bytes; the end of a reverse-DNS name tells more than its start.
+  const std::size_t length = std::strlen(name);
+  constexpr std::size_t longest = 15;
+  pthread_setname_np(pthread_self(), length > longest ? name + (length - longest) : name);
+}
+
+}  // namespace orvane::platform
