@@ -1,0 +1,49 @@
+// orvane-mcp: reads what it was started with, builds the registry, serves until standard input ends.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "core/startup_values.h"
+#include "platform/platform.h"
+#include "server/registry.h"
+#include "server/server.h"
+#include "server/startup_options.h"
+#include "tools/local/version.h"
+
+namespace {
+
+// A host may start the process with a standard stream closed. A file or socket opened later would take its number, and
+// messages meant for the stream would land there.
+void occupyStandardDescriptors() {
+  while (true) {
+    const int descriptor = open("/dev/null", O_RDWR);
+    if (descriptor < 0) return;
+    if (descriptor > STDERR_FILENO) {
+      close(descriptor);
+      return;
+    }
+  }
+}
+
+}  // namespace
+
+int main(int argumentCount, char** argumentValues) {
+  occupyStandardDescriptors();
+  // A file that has grown to the user's limit is a failed write like any other.
+  std::signal(SIGXFSZ, SIG_IGN);
+  orvane::platform::keepFreedMemory();
+  const std::vector<std::string> arguments(argumentValues, argumentValues + argumentCount);
+  const orvane::StartupOptions options = orvane::readStartupOptions(arguments, std::getenv("ORVANE_ASSISTANT_ORIGIN"));
+  orvane::setStartupValues({options.agentName, options.launchedByAssistant});
+  orvane::setProgramPath(arguments.empty() ? std::string() : arguments.front());
+
+  orvane::Server server(
+      orvane::ToolRegistry(options.launchedByAssistant, options.selectedToolsets, options.readOnlyMode), STDIN_FILENO,
+      STDOUT_FILENO, STDERR_FILENO);
+  server.run();
+  return 0;
+}

@@ -1,0 +1,72 @@
+#include "server/registry.h"
+
+#include <cstdlib>
+#include <optional>
+
+#include "core/json_writer.h"
+#include "core/rpc_error.h"
+#include "server/catalogue.h"
+#include "tools/all_tools.h"
+#include "tools/documentation.h"
+
+namespace orvane {
+
+namespace {
+
+JSON::Object annotationsObject(const MCPToolMetadata* metadata) {
+  JSON::Object object;
+  if (metadata == nullptr) return object;
+  const auto add = [&](std::string_view name, std::optional<bool> hint) {
+    if (hint.has_value()) object.set(name, *hint);
+  };
+  const MCPToolAnnotations& annotations = metadata->annotations;
+  add("readOnlyHint", annotations.readOnlyHint);
+  add("destructiveHint", annotations.destructiveHint);
+  add("idempotentHint", annotations.idempotentHint);
+  add("openWorldHint", annotations.openWorldHint);
+  return object;
+}
+
+}  // namespace
+
+ToolRegistry::ToolRegistry(bool launchedByAssistant, MCPToolsetSet toolsets, bool readOnly) {
+  for (const ToolHandle& tool : allTools()) {
+    const MCPToolMetadata* metadata = catalogueEntry(tool.name);
+    if (metadata == nullptr) continue;
+    if (readOnly && !metadata->annotations.readOnlyHint) continue;
+    if (!metadata->toolsets.intersects(toolsets)) continue;
+    if (launchedByAssistant && tool.name == "speak") continue;
+    if (!tools_.emplace(tool.name, tool).second) std::abort();
+  }
+}
+
+JSON ToolRegistry::call(std::string_view name, const JSON::Object& arguments) const {
+  const auto tool = tools_.find(name);
+  if (tool == tools_.end()) throw RPCError(rpc_code::invalidParams, "Unknown tool: " + std::string(name));
+  return tool->second.call(arguments);
+}
+
+JSON::Array ToolRegistry::listEntries() const { return listEntries(docsDirectory()); }
+
+JSON::Array ToolRegistry::listEntries(std::string_view docsDirectory) const {
+  JSON::Array entries;
+  entries.reserve(tools_.size());
+  for (const auto& [name, tool] : tools_) {
+    entries.emplace_back(JSON::Object{{"name", name},
+                                      {"description", tool.description(docsDirectory)},
+                                      {"inputSchema", tool.inputSchema()},
+                                      {"annotations", annotationsObject(catalogueEntry(name))}});
+  }
+  return entries;
+}
+
+const std::string& ToolRegistry::listEntriesText() {
+  std::string directory = docsDirectory();
+  if (listText_.empty() || directory != listedDocsDirectory_) {
+    listText_ = writeCompactJSON(listEntries(directory));
+    listedDocsDirectory_ = std::move(directory);
+  }
+  return listText_;
+}
+
+}  // namespace orvane

@@ -1,0 +1,39 @@
+// The tools that this process offers, chosen once at start-up.
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "core/json.h"
+#include "server/tool_metadata.h"
+#include "tools/tool.h"
+
+namespace orvane {
+
+class ToolRegistry {
+ public:
+  /// The tools of the catalogue that belong to one of `toolsets`, only those that read if `readOnly`, and without
+  /// "speak" if `launchedByAssistant` (the assistant speaks for itself). Ends the process if two tools have one name.
+  ToolRegistry(bool launchedByAssistant, MCPToolsetSet toolsets, bool readOnly);
+
+  /// Runs the tool `name`. Throws RPCError -32602 if there is none, and whatever the tool throws.
+  JSON call(std::string_view name, const JSON::Object& arguments) const;
+
+  /// One tools/list entry per tool (Model Context Protocol, Tool), in ascending order of name.
+  JSON::Array listEntries() const;
+
+  /// The JSON text of listEntries(). It is kept, and made anew only when the documentation directory, which the
+  /// descriptions name, is another one than last time. Valid until the next call. Throws JSONWriteError if that
+  /// directory's path is not UTF-8.
+  const std::string& listEntriesText();
+
+ private:
+  JSON::Array listEntries(std::string_view docsDirectory) const;
+
+  std::map<std::string_view, ToolHandle> tools_;
+  std::string listedDocsDirectory_;
+  std::string listText_;
+};
+
+}  // namespace orvane
