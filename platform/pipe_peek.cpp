@@ -4,12 +4,15 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <utility>
 
 namespace orvane::platform {
 
-PipePeek::~PipePeek() {
-  for (const int descriptor : scratch_) {
-    if (descriptor >= 0) close(descriptor);
+PipePeek::~PipePeek() { closeScratch(); }
+
+void PipePeek::closeScratch() {
+  for (int& descriptor : scratch_) {
+    if (descriptor >= 0) close(std::exchange(descriptor, -1));
   }
 }
 
@@ -24,7 +27,13 @@ ssize_t PipePeek::peek(int descriptor, char* buffer, std::size_t capacity) {
   while (copied < static_cast<std::size_t>(seen)) {
     const ssize_t count = read(scratch_[0], buffer + copied, static_cast<std::size_t>(seen) - copied);
     if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return -1;
+    if (count <= 0) {
+      // What is left in it would be taken for the start of the next look.
+      const int error = errno;
+      closeScratch();
+      errno = error;
+      return -1;
+    }
     copied += static_cast<std::size_t>(count);
   }
   return seen;

@@ -21,6 +21,8 @@ class PipePeek {
   ssize_t peek(int descriptor, char* buffer, std::size_t capacity);
 
  private:
+  void closeScratch();
+
   int scratch_[2] = {-1, -1};
 };
 

@@ -1,6 +1,7 @@
 // Server's JSON-RPC dispatch (JSON-RPC 2.0) and the methods of the Model Context Protocol, version 2024-11-05.
 #include <algorithm>
 #include <array>
+#include <new>
 #include <stdexcept>
 
 #include "core/json_reader.h"
@@ -65,6 +66,17 @@ std::string resultHead(const JSON& id) {
 }  // namespace
 
 void Server::handleLine(std::string_view line) {
+  try {
+    handleRequest(line);
+  } catch (const std::bad_alloc&) {
+    // Its id cannot be told any more, or not even be copied. The answer is made of nothing that needs memory.
+    stdout.write(std::array<std::string_view, 1>{
+        R"({"jsonrpc":"2.0","id":null,"error":{"code":-32603,"message":"Internal error: std::bad_alloc"}})"
+        "\n"});
+  }
+}
+
+void Server::handleRequest(std::string_view line) {
   if (!isValidUTF8(line)) {
     writeDiagnostic("orvane-mcp: dropping non-UTF-8 line\n");
     return;
@@ -83,11 +95,11 @@ void Server::handleLine(std::string_view line) {
 
   const JSON id = request->take("id").value_or(JSON());
   if (id.isNull()) return;
-  const JSON* methodMember = request->find("method");
-  const std::string* methodName = methodMember == nullptr ? nullptr : methodMember->asString();
-  const std::string method = methodName == nullptr ? std::string() : *methodName;
-  const JSON::Object params = objectOr(request->take("params"));
   try {
+    const JSON* methodMember = request->find("method");
+    const std::string* methodName = methodMember == nullptr ? nullptr : methodMember->asString();
+    const std::string method = methodName == nullptr ? std::string() : *methodName;
+    const JSON::Object params = objectOr(request->take("params"));
     std::visit([&](const auto& result) { writeResult(id, result); }, dispatchMethod(method, params));
   } catch (const RPCError& error) {
     sendError(id, error);

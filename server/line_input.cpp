@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 
 namespace orvane {
 
@@ -23,6 +22,12 @@ bool canRetry(int descriptor) {
   return poll(&waiting, 1, -1) >= 0 || errno == EINTR;
 }
 
+// The number of bytes up to and including the first line feed, or all of them.
+std::size_t lengthOfLine(std::string_view bytes) {
+  const std::size_t newline = bytes.find('\n');
+  return newline == std::string_view::npos ? bytes.size() : newline + 1;
+}
+
 // read(2) that waits and is not interrupted.
 ssize_t readSome(int descriptor, char* buffer, std::size_t size) {
   while (true) {
@@ -34,23 +39,33 @@ ssize_t readSome(int descriptor, char* buffer, std::size_t size) {
 }  // namespace
 
 std::string_view LineInput::take() {
-  if (way_ == Way::unknown) chooseWay();
-  if (way_ != Way::byteByByte && seenStart_ == seenEnd_ && !look()) return {};
-  if (way_ == Way::byteByByte) return takeByte();
+  if (taken_.empty() && !takeMore()) return {};
+  const std::string_view piece = taken_.substr(0, lengthOfLine(taken_));
+  taken_.remove_prefix(piece.size());
+  return piece;
+}
 
-  char* const start = buffer_.get() + seenStart_;
-  const std::size_t seen = seenEnd_ - seenStart_;
-  const void* const newline = std::memchr(start, '\n', seen);
-  const std::size_t wanted =
-      newline == nullptr ? seen : static_cast<std::size_t>(static_cast<const char*>(newline) - start) + 1;
-  const ssize_t taken = readSome(descriptor_, start, wanted);
-  if (taken <= 0) return {};
-  seenStart_ += static_cast<std::size_t>(taken);
-  return {start, static_cast<std::size_t>(taken)};
+// Takes the seen bytes up to a line feed from the descriptor. False at end of file.
+bool LineInput::takeMore() {
+  if (way_ == Way::unknown) chooseWay();
+  if (way_ != Way::byteByByte && seen_.empty() && !look()) return false;
+  const std::size_t wanted = way_ == Way::byteByByte ? 1 : lengthOfLine(seen_);
+  const ssize_t count = readSome(descriptor_, takenBuffer_.get(), wanted);
+  if (count <= 0) return false;
+  taken_ = {takenBuffer_.get(), static_cast<std::size_t>(count)};
+  if (way_ == Way::byteByByte) return true;
+  if (seen_.starts_with(taken_)) {
+    seen_.remove_prefix(taken_.size());
+  } else {
+    // Someone else has read from the descriptor since we looked.
+    seen_ = {};
+  }
+  return true;
 }
 
 void LineInput::chooseWay() {
   way_ = Way::byteByByte;
+  takenBuffer_.reset(new char[bufferSize]);
   struct stat status {};
   if (fstat(descriptor_, &status) != 0) return;
   if (S_ISFIFO(status.st_mode)) {
@@ -63,10 +78,10 @@ void LineInput::chooseWay() {
     socklen_t length = sizeof type;
     if (getsockopt(descriptor_, SOL_SOCKET, SO_TYPE, &type, &length) == 0 && type == SOCK_STREAM) way_ = Way::socket;
   }
-  if (way_ != Way::byteByByte) buffer_.reset(new char[bufferSize]);
+  if (way_ != Way::byteByByte) seenBuffer_.reset(new char[bufferSize]);
 }
 
-// Fills the buffer with what lies ahead. False at end of file. Where looking is refused, the way becomes byteByByte.
+// Looks at what lies ahead. False at end of file. Where looking is refused, the way becomes byteByByte.
 bool LineInput::look() {
   while (true) {
     const ssize_t count = peek();
@@ -75,22 +90,16 @@ bool LineInput::look() {
       way_ = Way::byteByByte;
       return true;
     }
-    seenStart_ = 0;
-    seenEnd_ = static_cast<std::size_t>(count);
+    seen_ = {seenBuffer_.get(), static_cast<std::size_t>(count)};
     return count > 0;
   }
 }
 
 ssize_t LineInput::peek() {
-  if (way_ == Way::socket) return recv(descriptor_, buffer_.get(), bufferSize, MSG_PEEK);
-  if (way_ == Way::pipe) return pipePeek_.peek(descriptor_, buffer_.get(), bufferSize);
+  if (way_ == Way::socket) return recv(descriptor_, seenBuffer_.get(), bufferSize, MSG_PEEK);
+  if (way_ == Way::pipe) return pipePeek_.peek(descriptor_, seenBuffer_.get(), bufferSize);
   const off_t offset = lseek(descriptor_, 0, SEEK_CUR);
-  return offset < 0 ? -1 : pread(descriptor_, buffer_.get(), bufferSize, offset);
-}
-
-std::string_view LineInput::takeByte() {
-  if (readSome(descriptor_, &byte_, 1) != 1) return {};
-  return {&byte_, 1};
+  return offset < 0 ? -1 : pread(descriptor_, seenBuffer_.get(), bufferSize, offset);
 }
 
 }  // namespace orvane

@@ -29,16 +29,15 @@ class LineInput {
   void chooseWay();
   bool look();
   ssize_t peek();
-  std::string_view takeByte();
+  bool takeMore();
 
   int descriptor_;
   Way way_ = Way::unknown;
-  char byte_ = 0;
   platform::PipePeek pipePeek_;
-  std::unique_ptr<char[]> buffer_;
-  // What was seen and is still to be taken: buffer_[seenStart_, seenEnd_).
-  std::size_t seenStart_ = 0;
-  std::size_t seenEnd_ = 0;
+  std::unique_ptr<char[]> seenBuffer_;
+  std::unique_ptr<char[]> takenBuffer_;
+  std::string_view seen_;   // what lies ahead in the descriptor, as far as it was looked at
+  std::string_view taken_;  // what was taken and is still to be returned
 };
 
 }  // namespace orvane

@@ -4,9 +4,11 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <new>
 #include <string>
 #include <vector>
 
+#include "core/descriptor_io.h"
 #include "core/startup_values.h"
 #include "platform/platform.h"
 #include "server/registry.h"
@@ -31,7 +33,7 @@ void occupyStandardDescriptors() {
 
 }  // namespace
 
-int main(int argumentCount, char** argumentValues) {
+int main(int argumentCount, char** argumentValues) try {
   occupyStandardDescriptors();
   // A file that has grown to the user's limit is a failed write like any other.
   std::signal(SIGXFSZ, SIG_IGN);
@@ -45,5 +47,9 @@ int main(int argumentCount, char** argumentValues) {
       orvane::ToolRegistry(options.launchedByAssistant, options.selectedToolsets, options.readOnlyMode), STDIN_FILENO,
       STDOUT_FILENO, STDERR_FILENO);
   server.run();
+  return 0;
+} catch (const std::bad_alloc&) {
+  // Nothing was read yet, so nothing remains unanswered that was taken.
+  orvane::writeDiagnostic("orvane-mcp: out of memory\n");
   return 0;
 }

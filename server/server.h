@@ -52,13 +52,15 @@ class Server {
   /// Writes `message` and a line feed to stdout. A message that cannot be serialised is reported to stderr instead.
   void writeMessage(const JSON& message);
 
-  /// Handles one request line: writes one response, or none if it is a notification.
+  /// Handles one request line: writes one response, or none if it is a notification. Throws nothing; a request for
+  /// which the memory does not suffice is answered with an internal error.
   void handleLine(std::string_view line);
 
   /// Runs an MCP method. Throws RPCError, and whatever else a tool throws.
   MethodResult dispatchMethod(std::string_view method, const JSON::Object& params);
 
  private:
+  void handleRequest(std::string_view line);
   void writeResult(const JSON& id, const JSON& result);
   void writeResult(const JSON& id, ToolListing);
   void writeResult(const JSON& id, const ToolOutcome& outcome);

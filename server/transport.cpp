@@ -1,5 +1,6 @@
 // Server's line transport.
 #include <array>
+#include <new>
 #include <string>
 
 #include "core/json_writer.h"
@@ -9,8 +10,13 @@
 namespace orvane {
 
 void Server::run() {
-  while (const std::optional<std::string> line = readLine()) {
-    if (!line->empty()) handleLine(*line);
+  try {
+    while (const std::optional<std::string> line = readLine()) {
+      if (!line->empty()) handleLine(*line);
+    }
+  } catch (const std::bad_alloc&) {
+    // Thrown by readLine alone. Without memory for a line nobody knows where the next one begins: like a failed read,
+    // this is the end of the input.
   }
 }
 

@@ -97,13 +97,15 @@ JSON remember(const JSON::Object& arguments) {
   return JSON::Object{{"ok", true}, {"char_count", characterCount(content)}};
 }
 
-void audit(std::string_view tool, const JSON& result) {
+// A record that cannot be made or handed over, for want of memory or of a thread, is lost; the tool's result stands.
+void audit(std::string_view tool, const JSON& result) try {
   ContextAuditRecord record{.tool = std::string(tool), .result = "ok"};
   const JSON::Object& fields = *result.asObject();
   const JSON* error = fields.find("error");
   if (error != nullptr && error->asString() != nullptr) record.result = "error: " + *error->asString();
   if (const JSON* count = fields.find("char_count")) record.output_bytes = count->asInteger();
   ContextAuditLog::shared().record(std::move(record));
+} catch (const std::exception&) {
 }
 
 }  // namespace

@@ -120,20 +120,8 @@ JSON::Object reportedVoices(const JSON::Object& voices) {
 
 }  // namespace
 
-std::string CurrentSettingsTool::description(std::string_view docsDirectory) {
-  return "Return an abridged snapshot of the user's current Orvane setup (assistant backend, dictation hotkey, AI "
-         "Correction state, trigger word, input device, Voice Output enabled state, and your assigned voice in "
-         "`agentVoices` — pass `agentVoices[<your CLI name>]` as the `voice` arg to `speak` so each agent sounds "
-         "distinct)." +
-         configurationNotice(docsDirectory);
-}
-
-const JSON& CurrentSettingsTool::inputSchema() { return emptyInputSchema(); }
-
-JSON CurrentSettingsTool::call(const JSON::Object&) {
-  const auto content = readWholeFile(configurationPath("settings.json"));
-  const auto* bytes = std::get_if<std::string>(&content);
-  const JSON::Object file = bytes == nullptr ? JSON::Object() : readJSONObject(*bytes).value_or(JSON::Object());
+JSON settingsSnapshot(std::string_view fileContent) {
+  const JSON::Object file = readJSONObject(fileContent).value_or(JSON::Object());
   PersistedSettings settings = decodeSettings(file).value_or(PersistedSettings());
   if (settings.assistantBackend == "") settings.assistantBackend.reset();
   return JSON::Object{
@@ -148,6 +136,22 @@ JSON CurrentSettingsTool::call(const JSON::Object&) {
       {"ttsEnabled", settings.ttsEnabled.value_or(true)},
       {"agentVoices", reportedVoices(settings.agentVoices.value_or(JSON::Object()))},
   };
+}
+
+std::string CurrentSettingsTool::description(std::string_view docsDirectory) {
+  return "Return an abridged snapshot of the user's current Orvane setup (assistant backend, dictation hotkey, AI "
+         "Correction state, trigger word, input device, Voice Output enabled state, and your assigned voice in "
+         "`agentVoices` — pass `agentVoices[<your CLI name>]` as the `voice` arg to `speak` so each agent sounds "
+         "distinct)." +
+         configurationNotice(docsDirectory);
+}
+
+const JSON& CurrentSettingsTool::inputSchema() { return emptyInputSchema(); }
+
+JSON CurrentSettingsTool::call(const JSON::Object&) {
+  const auto content = readWholeFile(configurationPath("settings.json"));
+  const auto* bytes = std::get_if<std::string>(&content);
+  return settingsSnapshot(bytes == nullptr ? std::string_view() : *bytes);
 }
 
 }  // namespace orvane

@@ -8,6 +8,9 @@
 
 namespace orvane {
 
+/// What current_settings reports of a settings file that holds `fileContent`; all defaults if that is no JSON object.
+JSON settingsSnapshot(std::string_view fileContent);
+
 /// current_settings: an abridged picture of the user's setup. Reads the file on every call and never fails: what is
 /// missing or malformed is reported as its default.
 struct CurrentSettingsTool {
