@@ -1,0 +1,135 @@
+// The bridge under a slow peer, signals, and thousands of failing calls.
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <string>
+#include <thread>
+
+#include "core/error_text.h"
+#include "core/startup_values.h"
+#include "tests/support/bridge_outcome.h"
+#include "tests/support/fake_platform.h"
+#include "tests/support/scripted_peer.h"
+
+namespace orvane {
+namespace {
+
+using test::AnsweringPeer;
+using test::fakePlatform;
+using test::outcomeOfCall;
+using test::PeerConnection;
+using test::PrivateHome;
+using test::ScriptedPeer;
+
+constexpr std::size_t mebibyte = 1048576;
+const std::string notRunning = "-32001 Orvane app is not running — open the app and try again. no data";
+const std::string okResponse = "{\"ok\":true,\"result\":[1]}\n";
+
+class AppBridgeEnduranceTest : public testing::Test {
+ protected:
+  PrivateHome home_;
+};
+
+TEST_F(AppBridgeEnduranceTest, AnAnswerByDripsIsReadToItsEnd) {
+  const ScriptedPeer peer([](PeerConnection& connection) {
+    connection.readToEnd();
+    for (const char byte : okResponse) {
+      connection.send({&byte, 1});
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  });
+  EXPECT_EQ(outcomeOfCall(), "[1]");
+  EXPECT_EQ(peer.connectionCount(), 1);
+}
+
+TEST_F(AppBridgeEnduranceTest, AnAnswerMayComeWhileTheRequestIsBeingWritten) {
+  const ScriptedPeer peer([](PeerConnection& connection) {
+    connection.send(okResponse);
+    connection.readToEnd();
+  });
+  EXPECT_EQ(outcomeOfCall("m", {{"text", std::string(mebibyte, 'x')}}), "[1]");
+}
+
+TEST_F(AppBridgeEnduranceTest, TheRequestEndsTheClientsSide) {
+  std::atomic<bool> hasEnded = false;
+  ScriptedPeer peer([&](PeerConnection& connection) {
+    connection.readToEnd();
+    hasEnded = connection.readSome(1).empty();
+    connection.send(okResponse);
+  });
+  EXPECT_EQ(outcomeOfCall(), "[1]");
+  EXPECT_TRUE(hasEnded);
+}
+
+std::atomic<int> signalCount = 0;
+
+TEST_F(AppBridgeEnduranceTest, SignalsInterruptNothing) {
+  signalCount = 0;
+  struct sigaction counting {};
+  struct sigaction before {};
+  counting.sa_handler = [](int) { ++signalCount; };
+  ASSERT_EQ(sigaction(SIGUSR1, &counting, &before), 0);
+  {
+    const pthread_t caller = pthread_self();
+    ScriptedPeer peer([&](PeerConnection& connection) {
+      const auto interrupt = [&] {
+        pthread_kill(caller, SIGUSR1);
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+      };
+      for (int i = 0; i < 20; ++i) interrupt();  // while the request fills the socket and waits
+      for (int i = 0; i < 20; ++i) {
+        connection.readSome(1000);
+        interrupt();
+      }
+      connection.readToEnd();
+      for (const char byte : okResponse) {
+        interrupt();
+        connection.send({&byte, 1});
+      }
+    });
+    EXPECT_EQ(outcomeOfCall("m", {{"text", std::string(2 * mebibyte, 'x')}}), "[1]");
+    EXPECT_EQ(peer.connectionCount(), 1);
+  }
+  sigaction(SIGUSR1, &before, nullptr);
+  EXPECT_GT(signalCount, 30);
+}
+
+TEST_F(AppBridgeEnduranceTest, ThousandsOfFailuresLeaveNoDescriptorOpen) {
+  const std::size_t before = test::openDescriptorCount();
+  for (int i = 0; i < 2000; ++i) ASSERT_EQ(outcomeOfCall(), notRunning);
+  EXPECT_EQ(test::openDescriptorCount(), before);
+  fakePlatform().applicationSupport = home_.file(std::string(100, 'x'));
+  for (int i = 0; i < 2000; ++i) ASSERT_EQ(outcomeOfCall(), "-32000 socket path too long no data");
+  EXPECT_EQ(test::openDescriptorCount(), before);
+  fakePlatform().applicationSupport.reset();
+
+  int calls = 0;
+  {
+    const AnsweringPeer peer(R"({"ok":false,"error":{"code":"too_many_requests","message":"m"}})");
+    const std::size_t withPeer = test::openDescriptorCount();
+    for (; calls < 1000; ++calls) ASSERT_TRUE(outcomeOfCall().starts_with("-32014"));
+    fakePlatform().peer = platform::Peer{0, getuid() + 1};
+    for (; calls < 2000; ++calls) ASSERT_TRUE(outcomeOfCall().starts_with("-32015"));
+    fakePlatform().peer = platform::Peer{EINVAL, 0};
+    for (; calls < 3000; ++calls)
+      ASSERT_EQ(outcomeOfCall(), "-32000 getpeereid() failed: " + errorText(EINVAL) + " no data");
+    fakePlatform().peer.reset();
+    setStartupValues({"\xFF", false});
+    for (; calls < 4000; ++calls) ASSERT_THROW(AppBridge::call("m", {}), JSONWriteError);
+    setStartupValues({});
+    // Connections that the peer has not taken yet may still be open on its side.
+    for (int wait = 0; wait < 5000 && peer.requests().size() < 4000; ++wait) usleep(1000);
+    EXPECT_EQ(peer.connectionCount(), calls) << "one connection a call";
+    for (int wait = 0; wait < 5000 && test::openDescriptorCount() != withPeer; ++wait) usleep(1000);
+    EXPECT_EQ(test::openDescriptorCount(), withPeer);
+  }
+  EXPECT_EQ(test::openDescriptorCount(), before);
+}
+
+}  // namespace
+}  // namespace orvane

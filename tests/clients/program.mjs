@@ -1,0 +1,41 @@
+// The program under test and what its answers must be, shared by the clients' tests.
+import fs from 'node:fs';
+
+/** The path of the server program, which ctest passes on. */
+export function programUnderTest() {
+  const program = process.env.ORVANE_PROGRAM_UNDER_TEST;
+  if (!program || !fs.existsSync(program)) throw new Error('ORVANE_PROGRAM_UNDER_TEST does not name the program');
+  return program;
+}
+
+/** How many tools a server with all toolsets offers. */
+export const toolCount = 42;
+
+/** A settings file as the application writes it, keys that the server does not know included. */
+export const settingsFile = JSON.stringify({
+  assistantBackend: 'claude',
+  assistantEnabled: true,
+  assistantTrigger: 'orvane',
+  contextMode: true,
+  dictationHotkey: { name: 'rightCommand', keyCode: 54 },
+  inputDevice: 0,
+  llmModel: 'small-4b',
+  sttModel: 'base-en',
+  ttsEnabled: false,
+  agentVoices: { claude: 'heart2', codex: 'Heart2' },
+  windowFrame: [0, 0, 640, 480],
+});
+
+/** What current_settings answers for it. */
+export const settingsAnswer = {
+  assistantBackend: 'claude',
+  assistantEnabled: true,
+  assistantTriggerWord: 'orvane',
+  aiCorrectionEnabled: true,
+  dictationHotkey: 'rightCommand',
+  sttModel: 'base-en',
+  llmModel: 'small-4b',
+  inputDeviceIndex: 0,
+  ttsEnabled: false,
+  agentVoices: { claude: 'lumen', codex: 'Heart2' },
+};

@@ -1,0 +1,57 @@
+#include "core/user_paths.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/fake_platform.h"
+
+namespace orvane {
+namespace {
+
+using test::fakePlatform;
+using test::PrivateHome;
+
+TEST(PathTest, JoinPutsOneSlashBetween) {
+  EXPECT_EQ(joinPath("/a", "b"), "/a/b");
+  EXPECT_EQ(joinPath("/a/", "b"), "/a/b");
+  EXPECT_EQ(joinPath("/", "b"), "/b");
+  EXPECT_EQ(joinPath("/a", "b/c/"), "/a/b/c/");
+}
+
+TEST(PathTest, ParentDropsTheLastComponent) {
+  EXPECT_EQ(parentDirectory("/a/b"), "/a");
+  EXPECT_EQ(parentDirectory("/a"), "/");
+  EXPECT_EQ(parentDirectory("/"), "/");
+  EXPECT_EQ(parentDirectory("a/b"), "a");
+  EXPECT_EQ(parentDirectory("a"), "");
+  EXPECT_EQ(parentDirectory(""), "");
+}
+
+TEST(UserPathsTest, ConfigurationLiesUnderThePlatformsHome) {
+  const PrivateHome home;
+  EXPECT_EQ(configurationDirectory(), home.file(".config/orvane"));
+  EXPECT_EQ(configurationPath("settings.json"), home.file(".config/orvane/settings.json"));
+  fakePlatform().home = "/other";
+  EXPECT_EQ(configurationPath("augments"), "/other/.config/orvane/augments");
+  fakePlatform().home = "/";
+  EXPECT_EQ(configurationDirectory(), "/.config/orvane");
+}
+
+TEST(UserPathsTest, TheEnvironmentHasNoSay) {
+  const PrivateHome home;
+  const char* variable = getenv("HOME");
+  const std::string before = variable == nullptr ? "" : variable;
+  setenv("HOME", "/decoy", 1);
+  EXPECT_EQ(configurationDirectory(), home.file(".config/orvane"));
+  EXPECT_EQ(applicationSupportPath(), home.file("Library/Application Support"));
+  setenv("HOME", before.c_str(), 1);
+}
+
+TEST(UserPathsTest, ApplicationSupportIsThePlatformsOrLiesUnderTheHome) {
+  const PrivateHome home;
+  EXPECT_EQ(applicationSupportPath(), home.file("Library/Application Support"));
+  fakePlatform().applicationSupport = "/support";
+  EXPECT_EQ(applicationSupportPath(), "/support");
+}
+
+}  // namespace
+}  // namespace orvane

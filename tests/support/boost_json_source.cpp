@@ -1,0 +1,2 @@
+// The one file of the tests that compiles the independent JSON parser.
+#include <boost/json/src.hpp>

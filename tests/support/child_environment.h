@@ -1,0 +1,14 @@
+// The environment in which the tests start the real program: the private home, and what a sanitizer's runtime needs.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tests/support/server_process.h"
+
+namespace orvane::tests {
+
+/// The whole environment of the child, as NAME=value.
+std::vector<std::string> childEnvironment(const PrivateHome& home, const Launch& launch);
+
+}  // namespace orvane::tests

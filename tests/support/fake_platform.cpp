@@ -1,0 +1,93 @@
+#include "tests/support/fake_platform.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <mutex>
+
+namespace orvane::test {
+
+FakePlatform& fakePlatform() {
+  static FakePlatform platform;
+  return platform;
+}
+
+PrivateHome::PrivateHome() {
+  std::string pattern = std::filesystem::temp_directory_path() / "orvane-test-XXXXXX";
+  if (mkdtemp(pattern.data()) == nullptr) std::abort();
+  path_ = std::filesystem::canonical(pattern);
+  fakePlatform() = FakePlatform{};
+  fakePlatform().home = path_;
+}
+
+PrivateHome::~PrivateHome() {
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
+}
+
+std::string PrivateHome::configurationFile(const std::string& name) const {
+  std::filesystem::create_directories(file(".config/orvane"));
+  return file(".config/orvane/" + name);
+}
+
+void writeFile(const std::string& path, const std::string& content) {
+  std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+  std::ofstream stream(path, std::ios::binary);
+  stream << content;
+  stream.close();
+  ASSERT_TRUE(stream) << "cannot write " << path;
+}
+
+std::string readFile(const std::string& path) {
+  std::ifstream stream(path, std::ios::binary);
+  EXPECT_TRUE(stream) << "cannot read " << path;
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+}  // namespace orvane::test
+
+namespace orvane::platform {
+
+std::string homeDirectory() {
+  ++test::fakePlatform().homeLookups;
+  return test::fakePlatform().home;
+}
+
+std::optional<std::string> applicationSupportDirectory() { return test::fakePlatform().applicationSupport; }
+
+std::vector<std::string> preferencesStringArray(const std::string& domain, const std::string& key) {
+  const auto& preferences = test::fakePlatform().preferences;
+  const auto found = preferences.find({domain, key});
+  return found == preferences.end() ? std::vector<std::string>{} : found->second;
+}
+
+void playSystemSound(const std::string& name) { test::fakePlatform().soundsPlayed.push_back(name); }
+
+Peer peerOf(int socket) {
+  if (test::fakePlatform().onPeerLookup) test::fakePlatform().onPeerLookup(socket);
+  return test::fakePlatform().peer.value_or(Peer{0, getuid()});
+}
+
+void suppressSigpipe(int) {}
+
+int sendFlags() { return MSG_NOSIGNAL; }
+
+sockaddr_un socketAddress(const std::string& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  std::memcpy(address.sun_path, path.data(), path.size());
+  return address;
+}
+
+int flushToDisk(int descriptor) { return fsync(descriptor); }
+
+void nameThread(const char*) {}
+
+}  // namespace orvane::platform

@@ -1,0 +1,356 @@
+#include "tools/local/augments.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "core/json_writer.h"
+#include "tests/support/fake_platform.h"
+#include "tools/documentation.h"
+#include "tools/schema.h"
+
+namespace orvane {
+
+void PrintTo(const CatalogAugment& augment, std::ostream* stream) {
+  *stream << testing::PrintToString(std::vector<std::string>{augment.id, augment.name, augment.category, augment.axis})
+          << (augment.isBuiltIn ? " built in" : " the user's") << ", slots: " << augment.slotCost;
+}
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// A user's augment with defaults where nothing is given.
+CatalogAugment userAugment(std::string id, std::string name, std::string category = "meta",
+                           std::string axis = "domain") {
+  return {.id = std::move(id), .name = std::move(name), .category = std::move(category), .axis = std::move(axis)};
+}
+
+const std::optional<CatalogAugment> plain = userAugment("my-id", "My-Id");
+
+TEST(AugmentParserTest, TakesNameCategoryAndAxis) {
+  EXPECT_EQ(parseUserAugment("---\nname: Poet\ncategory: art\naxis: tone\nauthor: me\n---\nname: body\n", "my-id"),
+            userAugment("my-id", "Poet", "art", "tone"));
+}
+
+TEST(AugmentParserTest, EmptyFrontMatterGivesEveryDefault) {
+  for (const std::string text : {"---\n---", "---\n---\n", "---\n\n---", "---\n---\n# body", "---\r\n---\r\n"}) {
+    EXPECT_EQ(parseUserAugment(text, "my-id"), plain) << testing::PrintToString(text);
+  }
+}
+
+TEST(AugmentParserTest, DefaultNameIsTheIdCapitalized) {
+  EXPECT_EQ(parseUserAugment("---\n---", "élan vital")->name, "Élan Vital");
+}
+
+TEST(AugmentParserTest, BothMarksAreNeeded) {
+  for (const std::string text :
+       {"", " \n ", "--", "---", "----", "---\n", "---\n--", "--- ---", "name: a\n---\n---\n", "a\n---\nname: b\n---",
+        "---\nname: a\n ---", "---\rname: a\r---", "---\nname: a\u2028---", "- --\n---"}) {
+    EXPECT_EQ(parseUserAugment(text, "my-id"), std::nullopt) << testing::PrintToString(text);
+  }
+}
+
+TEST(AugmentParserTest, TheTextIsTrimmedFirst) {
+  EXPECT_EQ(parseUserAugment("\n\r\n \t\u3000\u2028---\nname: a\n---   \n\n", "my-id"), userAugment("my-id", "a"));
+  // A character without width is no blank.
+  EXPECT_EQ(parseUserAugment("\u200B---\nname: a\n---", "my-id"), std::nullopt);
+}
+
+TEST(AugmentParserTest, CarriageReturnsMayStandBeforeLineFeeds) {
+  EXPECT_EQ(parseUserAugment("---\r\nname: Poet\r\ncategory: \"art\"\r\naxis: tone\r\n---\r\nbody\r\n", "my-id"),
+            userAugment("my-id", "Poet", "art", "tone"));
+}
+
+TEST(AugmentParserTest, TheClosingMarkMayHaveATail) {
+  EXPECT_EQ(parseUserAugment("---\nname: a\n---tail\naxis: tone\n---", "my-id"), userAugment("my-id", "a"));
+  EXPECT_EQ(parseUserAugment("---\nname: a\n----\n", "my-id"), userAugment("my-id", "a"));
+}
+
+TEST(AugmentParserTest, TheRestOfTheOpeningLineBelongsToTheFrontMatter) {
+  EXPECT_EQ(parseUserAugment("---name: a\naxis: tone\n---", "my-id"), userAugment("my-id", "a", "meta", "tone"));
+  EXPECT_EQ(parseUserAugment("---- name: a\n---", "my-id"), plain);
+}
+
+TEST(AugmentParserTest, TheFirstClosingMarkCounts) {
+  EXPECT_EQ(parseUserAugment("---\nname: a\n---\nname: b\n---\n", "my-id"), userAugment("my-id", "a"));
+}
+
+TEST(AugmentParserTest, FrontMatterLinesEndAtAnyNewline) {
+  for (const std::string newline : {"\n", "\r\n", "\r", "\v", "\f", "\u0085", "\u2028", "\u2029"}) {
+    EXPECT_EQ(parseUserAugment("---" + newline + "name: a" + newline + "axis: b" + newline + "\n---", "my-id"),
+              userAugment("my-id", "a", "meta", "b"))
+        << testing::PrintToString(newline);
+  }
+}
+
+/// The name that a front matter of `lines` gives.
+std::string nameFrom(const std::string& lines) { return parseUserAugment("---\n" + lines + "\n---", "my-id")->name; }
+
+TEST(AugmentParserTest, KeysAndValuesAreTrimmed) {
+  EXPECT_EQ(nameFrom(" \t name \u3000:\u00A0 A b \t "), "A b");
+  EXPECT_EQ(nameFrom("name:a"), "a");
+}
+
+TEST(AugmentParserTest, TheFirstColonSeparates) {
+  EXPECT_EQ(nameFrom("name: a: b"), "a: b");
+  EXPECT_EQ(nameFrom("name:: a"), ": a");
+}
+
+TEST(AugmentParserTest, ValuesLoseTheirOuterQuotesAndAreNotTrimmedAgain) {
+  EXPECT_EQ(nameFrom("name: \"a\""), "a");
+  EXPECT_EQ(nameFrom("name: \"a"), "a");
+  EXPECT_EQ(nameFrom("name: a\""), "a");
+  EXPECT_EQ(nameFrom("name: \"\"a \"b\" c\"\"\""), "a \"b\" c");
+  EXPECT_EQ(nameFrom("name: \" a \""), " a ");
+  EXPECT_EQ(nameFrom("name: \" \""), " ");
+  EXPECT_EQ(nameFrom("name: \" \"a\" \""), " \"a\" ");
+  EXPECT_EQ(nameFrom("name: 'a'"), "'a'");
+  EXPECT_EQ(nameFrom("\"name\": a"), "My-Id");
+}
+
+TEST(AugmentParserTest, EmptyValuesDoNotSetTheirKey) {
+  for (const std::string value : {"", "  ", "\u3000", "\"", "\"\"", "\"\"\"", " \"\" "}) {
+    EXPECT_EQ(nameFrom("name:" + value), "My-Id") << value;
+    EXPECT_EQ(nameFrom("name: kept\nname:" + value), "kept") << value;
+    EXPECT_EQ(parseUserAugment("---\ncategory:" + value + "\naxis:" + value + "\n---", "my-id"), plain) << value;
+  }
+}
+
+TEST(AugmentParserTest, LinesWithoutAKeyOrAColonAreIgnored) {
+  EXPECT_EQ(parseUserAugment("---\nname\n: a\n : b\nplain words\n\n---", "my-id"), plain);
+}
+
+TEST(AugmentParserTest, TheLastLineThatIsKeptCounts) {
+  EXPECT_EQ(nameFrom("name: a\nname: b\nname:\nname: \"\""), "b");
+}
+
+TEST(AugmentParserTest, KeysAreCaseSensitive) { EXPECT_EQ(nameFrom("Name: a\nNAME: b"), "My-Id"); }
+
+constexpr std::string_view builtIns =
+    R"({"id":"code-reviewer","name":"Code Reviewer","category":"engineering","axis":"domain","isBuiltIn":true,"slotCost":1},)"
+    R"({"id":"qa-engineer","name":"QA Engineer","category":"engineering","axis":"domain","isBuiltIn":true,"slotCost":1},)"
+    R"({"id":"security-auditor","name":"Security Auditor","category":"engineering","axis":"domain","isBuiltIn":true,"slotCost":1},)"
+    R"({"id":"system-architect","name":"System Architect","category":"engineering","axis":"domain","isBuiltIn":true,"slotCost":1},)"
+    R"({"id":"devops","name":"DevOps","category":"engineering","axis":"domain","isBuiltIn":true,"slotCost":1},)"
+    R"({"id":"database-expert","name":"Database Expert","category":"engineering","axis":"domain","isBuiltIn":true,"slotCost":1},)"
+    R"({"id":"ux-reviewer","name":"UX Reviewer","category":"design","axis":"domain","isBuiltIn":true,"slotCost":1},)"
+    R"({"id":"copy-editor","name":"Copy Editor","category":"design","axis":"domain","isBuiltIn":true,"slotCost":1},)"
+    R"({"id":"accessibility-checker","name":"Accessibility Checker","category":"design","axis":"domain","isBuiltIn":true,"slotCost":1},)"
+    R"({"id":"recipe-helper","name":"Recipe Helper","category":"everyday","axis":"domain","isBuiltIn":true,"slotCost":1},)"
+    R"({"id":"travel-planner","name":"Travel Planner","category":"everyday","axis":"domain","isBuiltIn":true,"slotCost":1},)"
+    R"({"id":"fitness-coach","name":"Fitness Coach","category":"everyday","axis":"domain","isBuiltIn":true,"slotCost":1},)"
+    R"({"id":"study-buddy","name":"Study Buddy","category":"everyday","axis":"domain","isBuiltIn":true,"slotCost":1},)"
+    R"({"id":"writing-partner","name":"Writing Partner","category":"everyday","axis":"domain","isBuiltIn":true,"slotCost":1},)"
+    R"({"id":"concise","name":"Concise","category":"meta","axis":"format","isBuiltIn":true,"slotCost":1},)"
+    R"({"id":"step-by-step","name":"Step by Step","category":"meta","axis":"format","isBuiltIn":true,"slotCost":1},)"
+    R"({"id":"devils-advocate","name":"Devil's Advocate","category":"meta","axis":"analysis","isBuiltIn":true,"slotCost":1},)"
+    R"({"id":"explain-simply","name":"Explain Simply","category":"meta","axis":"format","isBuiltIn":true,"slotCost":1},)"
+    R"({"id":"supportive","name":"Supportive","category":"meta","axis":"tone","isBuiltIn":true,"slotCost":1},)"
+    R"({"id":"orvane-help","name":"Orvane Help","category":"meta","axis":"domain","isBuiltIn":true,"slotCost":1})";
+
+constexpr std::size_t builtInCount = 20;
+
+/// The strings under `key` of each object of the array under `list` in `result`.
+std::vector<std::string> stringsOf(const JSON& result, std::string_view list, std::string_view key) {
+  std::vector<std::string> strings;
+  for (const JSON& element : *result.asObject()->find(list)->asArray()) {
+    strings.push_back(*element.asObject()->find(key)->asString());
+  }
+  return strings;
+}
+
+/// The user's part of the catalogue: the strings under `key` of what stands after the built-in augments.
+std::vector<std::string> usersOwn(std::string_view key) {
+  std::vector<std::string> strings = stringsOf(ListAugmentsTool::call({}), "available", key);
+  EXPECT_GE(strings.size(), builtInCount);
+  strings.erase(strings.begin(), strings.begin() + builtInCount);
+  return strings;
+}
+
+class ListAugmentsToolTest : public testing::Test {
+ protected:
+  std::string file(const std::string& name) const { return home.configurationFile("augments/" + name); }
+  void write(const std::string& name, const std::string& text = "---\n---\n") const {
+    test::writeFile(file(name), text);
+  }
+  void activate(std::vector<std::string> ids) const {
+    test::fakePlatform().preferences[{ORVANE_APPLICATION_ID, "augments.active"}] = std::move(ids);
+  }
+
+  test::PrivateHome home;
+};
+
+TEST_F(ListAugmentsToolTest, WithoutFilesAndActiveIdsThereAreTheBuiltInAugments) {
+  const std::string expected = R"({"active":[],"available":[)" + std::string(builtIns) +
+                               R"(],"slotsUsedByAugments":0,"slotsTotal":5,"orphanActiveIds":[]})";
+  EXPECT_EQ(writeCompactJSON(ListAugmentsTool::call({})), expected);
+  EXPECT_EQ(writeCompactJSON(ListAugmentsTool::call({{"active", true}})), expected);
+  std::filesystem::create_directories(file(""));
+  EXPECT_EQ(writeCompactJSON(ListAugmentsTool::call({})), expected);
+}
+
+TEST_F(ListAugmentsToolTest, ReportsActiveAndOrphanIds) {
+  write("Poet.md", "---\nname: The Poet\ncategory: art\naxis: tone\n---\n");
+  activate({"zebra", "poet", "concise", "poet", "Concise", "gone"});
+  const std::string poet =
+      R"({"id":"poet","name":"The Poet","category":"art","axis":"tone","isBuiltIn":false,"slotCost":1})";
+  EXPECT_EQ(
+      writeCompactJSON(ListAugmentsTool::call({})),
+      R"({"active":[{"id":"concise","name":"Concise","category":"meta","axis":"format","isBuiltIn":true,"slotCost":1},)" +
+          poet + R"(],"available":[)" + std::string(builtIns) + "," + poet +
+          R"(],"slotsUsedByAugments":2,"slotsTotal":5,"orphanActiveIds":["Concise","gone","zebra"]})");
+}
+
+TEST_F(ListAugmentsToolTest, MoreAugmentsThanSlotsAreReportedAsTheyAre) {
+  activate({"concise", "devops", "supportive", "qa-engineer", "copy-editor", "orvane-help"});
+  const JSON result = ListAugmentsTool::call({});
+  EXPECT_EQ(result.asObject()->find("slotsUsedByAugments")->asInteger(), 6);
+  EXPECT_THAT(stringsOf(result, "active", "id"),
+              ElementsAre("qa-engineer", "devops", "copy-editor", "concise", "supportive", "orvane-help"));
+  EXPECT_EQ(stringsOf(result, "available", "id").size(), builtInCount);
+}
+
+TEST_F(ListAugmentsToolTest, ActiveIdsOfOtherDomainsAndKeysDoNotCount) {
+  test::fakePlatform().preferences[{"com.example.Other", "augments.active"}] = {"concise"};
+  test::fakePlatform().preferences[{ORVANE_APPLICATION_ID, "augments"}] = {"concise"};
+  EXPECT_THAT(stringsOf(ListAugmentsTool::call({}), "active", "id"), IsEmpty());
+}
+
+TEST_F(ListAugmentsToolTest, EverySourceIsReadAfresh) {
+  EXPECT_THAT(usersOwn("id"), IsEmpty());
+  write("a.md");
+  EXPECT_THAT(usersOwn("id"), ElementsAre("a"));
+  write("a.md", "no front matter");
+  EXPECT_THAT(usersOwn("id"), IsEmpty());
+  activate({"a"});
+  EXPECT_EQ(*ListAugmentsTool::call({}).asObject()->find("orphanActiveIds"), (JSON::Array{"a"}));
+}
+
+TEST_F(ListAugmentsToolTest, FilesAreInTheOrderOfTheirWholeNamesBeforeLowerCasing) {
+  for (const std::string name : {"a.md", "a-b.md", "b.md", "Z.md", "_.md", "ä.md", "aa.md", "\uFFFD.md", "😀.md"}) {
+    write(name);
+  }
+  EXPECT_THAT(usersOwn("id"), ElementsAre("z", "_", "a-b", "a", "aa", "b", "ä", "\uFFFD", "😀"));
+}
+
+TEST_F(ListAugmentsToolTest, NamesThatDifferOnlyInCaseBothAppear) {
+  write("Poet.md", "---\nname: A\n---");
+  write("poet.md", "---\nname: B\n---");
+  EXPECT_THAT(usersOwn("id"), ElementsAre("poet", "poet"));
+  EXPECT_THAT(usersOwn("name"), ElementsAre("A", "B"));
+  activate({"poet"});
+  EXPECT_EQ(ListAugmentsTool::call({}).asObject()->find("slotsUsedByAugments")->asInteger(), 2);
+}
+
+TEST_F(ListAugmentsToolTest, BuiltInIdsWinInAnyCase) {
+  for (const std::string name : {"concise.md", "Concise.md", "CONCISE.md", "Devils-Advocate.md"}) {
+    write(name, "---\nname: Mine\n---");
+  }
+  EXPECT_THAT(usersOwn("id"), IsEmpty());
+}
+
+TEST_F(ListAugmentsToolTest, OnlyTheExtensionMdCounts) {
+  for (const std::string name :
+       {"a.MD", "b.Md", "c.markdown", "d.mdx", "e", "md", "f.md.txt", "g.md~", "h.md ", ".md"}) {
+    write(name);
+  }
+  EXPECT_THAT(usersOwn("id"), IsEmpty());
+}
+
+TEST_F(ListAugmentsToolTest, NamesMayHoldDotsBlanksAndBeHidden) {
+  for (const std::string name : {".hidden.md", "a.b.md", "my own.md", "v1.md.md"}) write(name);
+  EXPECT_THAT(usersOwn("id"), ElementsAre(".hidden", "a.b", "my own", "v1.md"));
+  EXPECT_THAT(usersOwn("name"), ElementsAre(".Hidden", "A.B", "My Own", "V1.Md"));
+}
+
+TEST_F(ListAugmentsToolTest, SubdirectoriesAreNotSearched) {
+  write("inner/a.md");
+  EXPECT_THAT(usersOwn("id"), IsEmpty());
+}
+
+TEST_F(ListAugmentsToolTest, WhatCannotBeReadIsSkippedAlone) {
+  write("a.md");
+  write("z.md");
+  std::filesystem::create_directory(file("directory.md"));
+  ASSERT_EQ(mkfifo(file("fifo.md").c_str(), 0600), 0);
+  std::filesystem::create_symlink(home.file("gone"), file("dangling.md"));
+  std::filesystem::create_symlink(file("loop.md"), file("loop.md"));
+  std::filesystem::create_symlink("/dev/zero", file("device.md"));
+  write("latin1.md", "---\nname: \xE9t\xE9\n---");
+  write("broken-body.md", "---\nname: a\n---\n\xFF");
+  EXPECT_THAT(usersOwn("id"), ElementsAre("a", "z"));
+}
+
+TEST_F(ListAugmentsToolTest, LinksToFilesAreFollowed) {
+  test::writeFile(home.file("elsewhere.txt"), "---\nname: Linked\n---");
+  std::filesystem::create_directories(file(""));
+  std::filesystem::create_symlink(home.file("elsewhere.txt"), file("link.md"));
+  EXPECT_THAT(usersOwn("id"), ElementsAre("link"));
+  EXPECT_THAT(usersOwn("name"), ElementsAre("Linked"));
+}
+
+TEST_F(ListAugmentsToolTest, FileNamesThatAreNoTextAreSkippedAlone) {
+  write("a.md");
+  // Some file systems refuse such names, and then there is nothing to skip.
+  const std::string path = file("b\xFF.md");
+  if (FILE* stream = fopen(path.c_str(), "w")) {
+    fputs("---\n---", stream);
+    fclose(stream);
+  }
+  EXPECT_THAT(usersOwn("id"), ElementsAre("a"));
+}
+
+TEST_F(ListAugmentsToolTest, SomethingElseInPlaceOfTheDirectoryHoldsNoAugments) {
+  test::writeFile(home.configurationFile("augments"), "---\n---");
+  EXPECT_THAT(usersOwn("id"), IsEmpty());
+}
+
+/// Runs `check` in a process of a user who may not read everything, and gives whether it held.
+bool holdsForAnotherUser(bool (*check)()) {
+  const pid_t child = fork();
+  if (child == 0) {
+    constexpr uid_t nobody = 65534;
+    if (geteuid() == 0 && setuid(nobody) != 0) _exit(2);
+    _exit(check() ? 0 : 1);
+  }
+  int status = 0;
+  return waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+TEST_F(ListAugmentsToolTest, FilesWithoutPermissionAreSkippedAlone) {
+  write("a.md");
+  write("secret.md");
+  write("z.md");
+  std::filesystem::permissions(home.path(), std::filesystem::perms(0755));
+  std::filesystem::permissions(file("secret.md"), std::filesystem::perms::none);
+  EXPECT_TRUE(holdsForAnotherUser([] { return usersOwn("id") == std::vector<std::string>{"a", "z"}; }));
+}
+
+TEST_F(ListAugmentsToolTest, ADirectoryWithoutPermissionHoldsNoAugments) {
+  write("a.md");
+  std::filesystem::permissions(home.path(), std::filesystem::perms(0755));
+  EXPECT_TRUE(holdsForAnotherUser([] { return usersOwn("id") == std::vector<std::string>{"a"}; }));
+  std::filesystem::permissions(file(""), std::filesystem::perms::none);
+  EXPECT_TRUE(holdsForAnotherUser([] { return usersOwn("id").empty(); }));
+  std::filesystem::permissions(file(""), std::filesystem::perms::owner_all);
+}
+
+TEST_F(ListAugmentsToolTest, SaysWhatItDoesAndWarns) {
+  EXPECT_EQ(ListAugmentsTool::name, "list_augments");
+  EXPECT_EQ(ListAugmentsTool::description("/docs/"),
+            "List active and available augments along with the shared slot budget. Augments are short directives that "
+            "shape assistant behavior." +
+                configurationNotice("/docs/"));
+  EXPECT_EQ(&ListAugmentsTool::inputSchema(), &emptyInputSchema());
+}
+
+}  // namespace
+}  // namespace orvane
