@@ -11,6 +11,7 @@
 #include "core/json_reader.h"
 #include "core/json_writer.h"
 #include "core/utf8.h"
+#include "platform/platform.h"
 
 namespace {
 
@@ -61,6 +62,8 @@ void add(const std::string& path) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // As the server does at its start.
+  orvane::platform::keepFreedMemory();
   benchmark::Initialize(&argc, argv);
   for (int i = 1; i < argc; ++i) add(argv[i]);
   benchmark::RunSpecifiedBenchmarks();

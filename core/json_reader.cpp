@@ -7,8 +7,8 @@ namespace orvane {
 
 namespace {
 
-// Collects what the parser reports. Finished values wait on one stack until their container ends and takes them, so
-// each container is built once, at its final size.
+// Collects what the parser reports. Finished values wait on one stack, with their keys where they have some, until
+// their container ends and takes them, so each container is built once, at its final size.
 class Builder {
  public:
   using ErrorCode = boost::json::error_code;
@@ -19,48 +19,48 @@ class Builder {
   static constexpr std::size_t max_key_size = static_cast<std::size_t>(-1);
   static constexpr std::size_t max_string_size = static_cast<std::size_t>(-1);
 
-  Builder() {
-    // Enough for most requests without growing.
-    values_.reserve(16);
-    keys_.reserve(16);
-  }
+  // Enough for most requests without growing.
+  Builder() { stack_.reserve(16); }
 
   bool on_document_begin(ErrorCode&) { return true; }
   bool on_document_end(ErrorCode&) { return true; }
-  bool on_object_begin(ErrorCode&) { return true; }
-  bool on_array_begin(ErrorCode&) { return true; }
+  bool on_object_begin(ErrorCode&) {
+    isInObject_.push_back(true);
+    return true;
+  }
+  bool on_array_begin(ErrorCode&) {
+    isInObject_.push_back(false);
+    return true;
+  }
 
   bool on_object_end(std::size_t count, ErrorCode&) {
-    std::vector<JSONMember> members;
-    members.reserve(count);
-    const auto firstValue = values_.end() - static_cast<std::ptrdiff_t>(count);
-    const auto firstKey = keys_.end() - static_cast<std::ptrdiff_t>(count);
-    for (std::size_t i = 0; i < count; ++i) {
-      const auto offset = static_cast<std::ptrdiff_t>(i);
-      members.push_back({std::move(firstKey[offset]), std::move(firstValue[offset])});
-    }
-    keys_.erase(firstKey, keys_.end());
-    values_.erase(firstValue, values_.end());
-    values_.emplace_back(JSON::Object::fromMembers(std::move(members)));
+    const auto first = stack_.end() - static_cast<std::ptrdiff_t>(count);
+    std::vector<JSONMember> members(std::make_move_iterator(first), std::make_move_iterator(stack_.end()));
+    stack_.erase(first, stack_.end());
+    isInObject_.pop_back();
+    add(JSON::Object::fromMembers(std::move(members)));
     return true;
   }
 
   bool on_array_end(std::size_t count, ErrorCode&) {
-    const auto first = values_.end() - static_cast<std::ptrdiff_t>(count);
-    JSON::Array elements(std::make_move_iterator(first), std::make_move_iterator(values_.end()));
-    values_.erase(first, values_.end());
-    values_.emplace_back(std::move(elements));
+    const auto first = stack_.end() - static_cast<std::ptrdiff_t>(count);
+    JSON::Array elements;
+    elements.reserve(count);
+    for (auto slot = first; slot != stack_.end(); ++slot) elements.push_back(std::move(slot->value));
+    stack_.erase(first, stack_.end());
+    isInObject_.pop_back();
+    add(std::move(elements));
     return true;
   }
 
   bool on_key_part(StringView part, std::size_t, ErrorCode&) { return addPart(part); }
   bool on_key(StringView part, std::size_t, ErrorCode&) {
-    keys_.push_back(takeText(part));
+    stack_.push_back({takeText(part), {}});
     return true;
   }
   bool on_string_part(StringView part, std::size_t, ErrorCode&) { return addPart(part); }
   bool on_string(StringView part, std::size_t, ErrorCode&) {
-    values_.emplace_back(takeText(part));
+    add(takeText(part));
     return true;
   }
 
@@ -70,19 +70,27 @@ class Builder {
   bool on_double(double, StringView part, ErrorCode&) { return addNumber(part); }
 
   bool on_bool(bool value, ErrorCode&) {
-    values_.emplace_back(value);
+    add(value);
     return true;
   }
   bool on_null(ErrorCode&) {
-    values_.emplace_back();
+    add(nullptr);
     return true;
   }
   bool on_comment_part(StringView, ErrorCode&) { return true; }
   bool on_comment(StringView, ErrorCode&) { return true; }
 
-  JSON takeDocument() { return std::move(values_.back()); }
+  JSON takeDocument() { return std::move(stack_.back().value); }
 
  private:
+  // A value in an object belongs to the key before it, which waits on the stack already.
+  void add(JSON value) {
+    if (!isInObject_.empty() && isInObject_.back()) {
+      stack_.back().value = std::move(value);
+    } else {
+      stack_.push_back({{}, std::move(value)});
+    }
+  }
   bool addPart(StringView part) {
     text_.append(part.data(), part.size());
     return true;
@@ -94,12 +102,12 @@ class Builder {
     return std::exchange(text_, {});
   }
   bool addNumber(StringView part) {
-    values_.emplace_back(JSON::Number{takeText(part)});
+    add(JSON::Number{takeText(part)});
     return true;
   }
 
-  std::vector<JSON> values_;
-  std::vector<std::string> keys_;
+  std::vector<JSONMember> stack_;
+  std::vector<bool> isInObject_;  // for each open container
   std::string text_;
 };
 

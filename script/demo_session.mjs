@@ -182,13 +182,9 @@ try {
   say(`A private home for this session: ${home.directory}`);
   const agent = new Agent('--agent', 'demo');
   await applicationClosed(agent);
-  if (fs.existsSync(standin)) {
-    application = await startStandin();
-    heading('The application (a stand-in for it) is started');
-    await applicationRunning(agent);
-  } else {
-    heading(`No stand-in for the application at ${standin}: what it answers is not shown`);
-  }
+  application = await startStandin();
+  heading('The application (a stand-in for it) is started');
+  await applicationRunning(agent);
   heading('The end');
   await agent.end();
   if (home.decoyEntries().length > 0) throw new Error('the server wrote into HOME');

@@ -112,11 +112,9 @@ void audit(std::string_view tool, const JSON& result) try {
 
 std::string ReadPreferencesTool::description(std::string_view docsDirectory) {
   return "Read the user's personal-preference notes from ~/.config/orvane/preferences.md. This is a single flat "
-         "markdown "
-         "file the user (and you, via remember_preference) can append facts to: how they sign emails, who their team "
-         "is, "
-         "naming preferences, conventions. Call this at the start of any turn where personalization matters. Returns { "
-         "content, char_count } — content is the empty string if the file doesn't exist yet." +
+         "markdown file the user (and you, via remember_preference) can append facts to: how they sign emails, who "
+         "their team is, naming preferences, conventions. Call this at the start of any turn where personalization "
+         "matters. Returns { content, char_count } — content is the empty string if the file doesn't exist yet." +
          docPointer(docsDirectory, docFile);
 }
 
@@ -130,14 +128,10 @@ JSON ReadPreferencesTool::call(const JSON::Object&) {
 
 std::string RememberPreferenceTool::description(std::string_view docsDirectory) {
   return "Append a short note to the user's preferences file at ~/.config/orvane/preferences.md. Use this when the "
-         "user "
-         "says \"remember that…\" or \"from now on…\" or you observe a stable preference worth keeping (signature "
-         "line, "
-         "naming conventions, the people in their team). Each note is a single line up to 1 KB; the whole file caps at "
-         "32 "
-         "KB. Returns { ok, char_count } on success or { error } if the file is full (in which case ask the user to "
-         "prune "
-         "it via Dashboard → File → Open Preferences)." +
+         "user says \"remember that…\" or \"from now on…\" or you observe a stable preference worth keeping "
+         "(signature line, naming conventions, the people in their team). Each note is a single line up to 1 KB; the "
+         "whole file caps at 32 KB. Returns { ok, char_count } on success or { error } if the file is full (in which "
+         "case ask the user to prune it via Dashboard → File → Open Preferences)." +
          docPointer(docsDirectory, docFile);
 }
 

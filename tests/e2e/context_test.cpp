@@ -1,0 +1,137 @@
+// Preference notes and the context audit log, from real files in a private home and with several servers at once.
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "tests/support/server_test.h"
+
+namespace orvane::tests {
+namespace {
+
+const std::string preferencesFile = ".config/orvane/preferences.md";
+const std::string logFile = ".config/orvane/mcp-context-reads.jsonl";
+
+class ContextTest : public ServerTest {
+ protected:
+  std::string content(const std::string& relativePath) const {
+    std::ifstream stream(home.path() + "/" + relativePath, std::ios::binary);
+    EXPECT_TRUE(stream) << relativePath;
+    return {std::istreambuf_iterator<char>(stream), {}};
+  }
+
+  // The log's records, after checking that it is whole lines of one object each.
+  std::vector<Json> records() const {
+    std::vector<Json> result;
+    const std::string log = content(logFile);
+    EXPECT_TRUE(log.ends_with('\n'));
+    for (std::size_t start = 0; start < log.size();) {
+      const std::size_t end = log.find('\n', start);
+      const std::string line = log.substr(start, end - start);
+      result.push_back(parseJson(line));
+      EXPECT_TRUE(result.back().is_object()) << line;
+      start = end + 1;
+    }
+    return result;
+  }
+};
+
+TEST_F(ContextTest, ANoteIsRememberedAndRead) {
+  auto server = start();
+  EXPECT_EQ(toolResult(server->request(toolCall("read_preferences"))), parseJson(R"({"content":"","char_count":0})"));
+  EXPECT_EQ(toolResult(server->request(
+                toolCall("remember_preference", R"({"note":" signs as\r\nAda / 👩‍👩‍👧 "})"))),
+            parseJson(R"({"ok":true,"char_count":19})"));
+  EXPECT_EQ(content(preferencesFile), "- signs as Ada / 👩‍👩‍👧\n");
+  EXPECT_EQ(toolResult(server->request(toolCall("read_preferences"))),
+            parseJson(R"({"content":"- signs as Ada / 👩‍👩‍👧\n","char_count":19})"));
+  expectCleanEnd(*server);
+}
+
+TEST_F(ContextTest, EachCallLeavesOneRecordInOrderAndPendingOnesAreWrittenAtTheEnd) {
+  auto server = start();
+  server->send(toolCall("read_preferences") + "\n");
+  server->send(toolCall("remember_preference", R"({"note":"a"})") + "\n");
+  server->send(toolCall("remember_preference", R"({"note":5})") + "\n");
+  // Neither a notification nor another tool is recorded.
+  server->send(R"({"jsonrpc":"2.0","method":"tools/call","params":{"name":"read_preferences"}})"
+               "\n");
+  server->send(toolCall("list_dictionary") + "\n");
+  EXPECT_EQ(server->finish().size(), 4U);
+  EXPECT_EQ(server->standardError(), "");
+
+  const std::vector<Json> log = records();
+  ASSERT_EQ(log.size(), 3U);
+  const std::vector<std::string> results{"ok", "ok", "error: note is required"};
+  const std::vector<std::string> tools{"read_preferences", "remember_preference", "remember_preference"};
+  for (std::size_t i = 0; i < log.size(); ++i) {
+    const auto& record = log[i].get_object();
+    EXPECT_EQ(record.at("tool"), Json(tools[i]));
+    EXPECT_EQ(record.at("result"), Json(results[i]));
+    EXPECT_EQ(record.contains("output_bytes"), i < 2);
+    EXPECT_EQ(record.size(), i < 2 ? 4U : 3U);
+    EXPECT_THAT(std::string(record.at("ts").get_string()),
+                ::testing::MatchesRegex("[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}Z"));
+  }
+}
+
+TEST_F(ContextTest, AFilteredOutToolLeavesNoRecord) {
+  auto server = start(std::vector<std::string>{"--read-only"});
+  expectError(server->request(toolCall("remember_preference", R"({"note":"a"})")), 1, -32602,
+              "Unknown tool: remember_preference");
+  expectCleanEnd(*server);
+  struct stat status {};
+  EXPECT_NE(stat((home.path() + "/" + logFile).c_str(), &status), 0);
+}
+
+TEST_F(ContextTest, SeveralServersAppendToOneLogWithoutLosingOrMixingALine) {
+  for (const std::size_t count : {2U, 10U}) {
+    home.write(logFile, "");
+    home.write(preferencesFile, "- note\n");
+    constexpr std::size_t callsEach = 100;
+    std::vector<std::unique_ptr<ServerProcess>> servers;
+    for (std::size_t i = 0; i < count; ++i) servers.push_back(start());
+    for (std::size_t call = 0; call < callsEach; ++call) {
+      for (const auto& server : servers) server->send(toolCall("read_preferences") + "\n");
+    }
+    for (const auto& server : servers) EXPECT_EQ(server->finish().size(), callsEach);
+    const std::vector<Json> log = records();
+    EXPECT_EQ(log.size(), count * callsEach);
+    for (const Json& record : log) EXPECT_EQ(record.get_object().at("output_bytes"), Json(7));
+  }
+}
+
+TEST_F(ContextTest, AFIFOWithoutAReaderInPlaceOfTheLogHoldsNothingUp) {
+  home.write(preferencesFile, "- note\n");
+  const std::string path = home.path() + "/" + logFile;
+  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+  auto server = start();
+  EXPECT_EQ(toolResult(server->request(toolCall("read_preferences"))),
+            parseJson(R"({"content":"- note\n","char_count":7})"));
+  expectCleanEnd(*server, "ContextAuditLog: open for write failed: " + path + "\n");
+}
+
+TEST_F(ContextTest, ALogThatTakesNoDataIsAFailedWrite) {
+  home.write(preferencesFile, "- note\n");
+  ASSERT_EQ(symlink("/dev/full", (home.path() + "/" + logFile).c_str()), 0);
+  auto server = start();
+  EXPECT_EQ(toolResult(server->request(toolCall("read_preferences"))),
+            parseJson(R"({"content":"- note\n","char_count":7})"));
+  expectCleanEnd(*server, "ContextAuditLog: write failed: No space left on device (errno 28)\n");
+}
+
+TEST_F(ContextTest, AFIFOInPlaceOfThePreferencesIsUnreadable) {
+  home.write(".config/orvane/settings.json", "{}");
+  ASSERT_EQ(mkfifo((home.path() + "/" + preferencesFile).c_str(), 0600), 0);
+  auto server = start();
+  EXPECT_EQ(toolResult(server->request(toolCall("read_preferences"))).get_object().at("error"),
+            Json("could not read preferences"));
+  EXPECT_EQ(toolResult(server->request(toolCall("remember_preference", R"({"note":"a"})"))).get_object().at("error"),
+            Json("could not read existing preferences"));
+  expectCleanEnd(*server);
+}
+
+}  // namespace
+}  // namespace orvane::tests
