@@ -32,3 +32,6 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/OrvaneMCPProtocolConfigVe
 install(FILES ${PROJECT_BINARY_DIR}/OrvaneMCPProtocolConfig.cmake
         ${PROJECT_BINARY_DIR}/OrvaneMCPProtocolConfigVersion.cmake cmake/Findutf8proc.cmake
         DESTINATION ${package_directory} COMPONENT development)
+
+add_custom_target(uninstall
+  COMMAND ${CMAKE_COMMAND} -D build=${PROJECT_BINARY_DIR} -P ${PROJECT_SOURCE_DIR}/cmake/uninstall.cmake VERBATIM)

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/tool_count.h"
 #include "tools/all_tools.h"
 
 namespace orvane {
@@ -66,7 +67,7 @@ TEST(MCPToolsetSetTest, HoldsWhatWasPutIn) {
 }
 
 TEST(CatalogueTest, HoldsEveryToolAndNoOtherName) {
-  ASSERT_EQ(allTools().size(), 42U);
+  ASSERT_EQ(allTools().size(), tests::toolCount);
   for (const ToolHandle& tool : allTools()) EXPECT_NE(catalogueEntry(tool.name), nullptr) << tool.name;
   for (const char* name : {"", "Speak", "speak ", "list_replacements", "set_settings"}) {
     EXPECT_EQ(catalogueEntry(name), nullptr) << name;

@@ -11,6 +11,7 @@
 #include "core/rpc_error.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/json_text.h"
+#include "tests/support/tool_count.h"
 #include "tools/all_tools.h"
 
 namespace orvane {
@@ -38,11 +39,11 @@ class ToolRegistryTest : public testing::Test {
   PrivateHome home_;
 };
 
-TEST_F(ToolRegistryTest, ByDefaultAll42AreListedInAscendingOrder) {
+TEST_F(ToolRegistryTest, ByDefaultAllAreListedInAscendingOrder) {
   const Names names = namesFor(false, everything, false);
-  EXPECT_EQ(names.size(), 42U);
+  EXPECT_EQ(names.size(), tests::toolCount);
   EXPECT_TRUE(std::is_sorted(names.begin(), names.end()));
-  EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(), 42U);
+  EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(), tests::toolCount);
 }
 
 TEST_F(ToolRegistryTest, ReadOnlyLeavesTheSixteenThatRead) {
@@ -66,7 +67,7 @@ TEST_F(ToolRegistryTest, OneSharedToolsetIsEnough) {
 TEST_F(ToolRegistryTest, TheAssistantIsNotOfferedSpeech) {
   EXPECT_EQ(namesFor(true, {voice}, false), (Names{"list_tts_voices"}));
   const Names names = namesFor(true, everything, false);
-  EXPECT_EQ(names.size(), 41U);
+  EXPECT_EQ(names.size(), tests::toolCount - 1);
   EXPECT_EQ(std::count(names.begin(), names.end(), "speak"), 0);
 }
 

@@ -78,6 +78,7 @@ class ServerProcess {
   bool outputEnded = false;
   std::optional<int> status;
   std::string buffer;
+  std::size_t lineStart = 0;  // where in the buffer the next line begins
 };
 
 /// A test's patience, counted from now.

@@ -1,0 +1,25 @@
+# Removes what `cmake --install` put in place last, by the lists that it leaves in the build directory, and the
+# directories that hold nothing but ours.
+#
+#   cmake -D build=BUILD -P cmake/uninstall.cmake
+file(GLOB lists ${build}/install_manifest*.txt)
+if(NOT lists)
+  message(FATAL_ERROR "${build} has no list of installed files: nothing was installed from there.")
+endif()
+foreach(list ${lists})
+  file(STRINGS ${list} files)
+  foreach(file ${files})
+    if(EXISTS ${file} OR IS_SYMLINK ${file})
+      message(STATUS "Removing ${file}")
+      file(REMOVE ${file})
+    endif()
+    string(REGEX MATCH "^.*/(orvane-mcp|OrvaneMCPProtocol)/" directory ${file})
+    if(directory)
+      file(GLOB_RECURSE left LIST_DIRECTORIES false ${directory}*)
+      if(NOT left)
+        file(REMOVE_RECURSE ${directory})
+      endif()
+    endif()
+  endforeach()
+  file(REMOVE ${list})
+endforeach()

@@ -1,0 +1,10 @@
+// How many tools there are, for the tests in C++; tests/clients/program.mjs has the same for those in JavaScript.
+#pragma once
+
+#include <cstddef>
+
+namespace orvane::tests {
+
+inline constexpr std::size_t toolCount = 42;
+
+}  // namespace orvane::tests
