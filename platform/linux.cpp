@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <mutex>
 
 #include "platform/platform.h"
 
@@ -13,6 +14,7 @@ namespace orvane::platform {
 
 namespace {
 
+// Empty where the user database does not know the user, or cannot be read at this moment.
 std::string lookUpHomeDirectory() {
   std::vector<char> buffer(1024);
   passwd entry{};
@@ -22,16 +24,19 @@ std::string lookUpHomeDirectory() {
     buffer.resize(buffer.size() * 2);
   }
   if (error == 0 && found != nullptr && found->pw_dir[0] == '/') return found->pw_dir;
-  // A directory that neither exists nor can be made by a user stands in for a home that the system does not know.
-  return "/var/empty";
+  return {};
 }
 
 }  // namespace
 
 std::string homeDirectory() {
   // A home does not move while a process runs, and reading the user database costs more than most requests.
-  static const std::string home = lookUpHomeDirectory();
-  return home;
+  static std::mutex mutex;
+  static std::string home;
+  const std::lock_guard lock(mutex);
+  if (home.empty()) home = lookUpHomeDirectory();
+  // A directory that neither exists nor can be made by a user stands in for a home that the system does not know.
+  return home.empty() ? "/var/empty" : home;
 }
 
 std::optional<std::string> applicationSupportDirectory() { return std::nullopt; }

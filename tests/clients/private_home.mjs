@@ -68,7 +68,17 @@ export class PrivateHome {
 
   /** The environment in which `program` has to be started: the few variables that a desktop application passes on. */
   environment(program) {
-    const variables = { HOME: this.decoy, LOGNAME: 'user', PATH: '/usr/bin:/bin', SHELL: '/bin/sh', TERM: 'dumb', USER: 'user' };
+    // What tells a sanitizer how to run belongs to the program under test, not to the user.
+    const sanitizers = Object.entries(process.env).filter(([name]) => /^[A-Z]+SAN_OPTIONS$/.test(name));
+    const variables = {
+      ...Object.fromEntries(sanitizers),
+      HOME: this.decoy,
+      LOGNAME: 'user',
+      PATH: '/usr/bin:/bin',
+      SHELL: '/bin/sh',
+      TERM: 'dumb',
+      USER: 'user',
+    };
     if (process.platform === 'darwin') return { ...variables, CFFIXED_USER_HOME: this.directory };
     return {
       ...variables,

@@ -1,6 +1,6 @@
 // What README.md tells people to paste and to expect, tried with the real program.
 import assert from 'node:assert/strict';
-import { spawn } from 'node:child_process';
+import { execFileSync, spawn } from 'node:child_process';
 import { text } from 'node:stream/consumers';
 import { after, test } from 'node:test';
 
@@ -47,7 +47,10 @@ for (const [name, server] of configurations.flatMap(Object.entries)) {
 
 for (const line of commandLines) {
   test(`the command line starts a server: ${line.trim()}`, async () => {
-    const { names } = await session('/bin/sh', ['-c', line.replace(placeholder, `exec '${program}'`)]);
+    // A shell splits the words; the program is started without it, so that nothing stands between it and its sanitizer.
+    const words = execFileSync('/bin/sh', ['-c', `printf '%s\\n' ${line}`], { encoding: 'utf8' }).trimEnd().split('\n');
+    assert.equal(words[0], placeholder);
+    const { names } = await session(program, words.slice(1));
     assert.ok(names.length > 0 && names.length < toolCount);
   });
 }
