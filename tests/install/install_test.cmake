@@ -87,6 +87,8 @@ if(EXISTS ${prefix}/${includeDirectory}/orvane-mcp OR EXISTS ${prefix}/${package
   message(FATAL_ERROR "Uninstalling leaves directories of its own behind.")
 endif()
 execute_process(COMMAND ${CMAKE_COMMAND} -D build=${build} -P ${uninstall} ERROR_VARIABLE errors RESULT_VARIABLE result)
+# CMake breaks long messages into lines.
+string(REGEX REPLACE "[ \n]+" " " errors "${errors}")
 if(result EQUAL 0 OR NOT errors MATCHES "nothing was installed")
   message(FATAL_ERROR "Uninstalling what is not installed says:\n${errors}")
 endif()
