@@ -58,7 +58,9 @@ ToolOutcome callTool(const ToolRegistry& registry, const JSON::Object& params) {
 
 // The start of a response, up to the value of "result". An id was read from valid text, so it can be written.
 std::string resultHead(const JSON& id) {
-  std::string text = R"({"jsonrpc":"2.0","id":)";
+  std::string text;
+  text.reserve(256);
+  text += R"({"jsonrpc":"2.0","id":)";
   appendCompactJSON(text, id);
   return text += R"(,"result":)";
 }
@@ -120,7 +122,14 @@ MethodResult Server::dispatchMethod(std::string_view method, const JSON::Object&
 }
 
 void Server::writeResult(const JSON& id, const JSON& result) {
-  writeMessage(JSON::Object{{"jsonrpc", "2.0"}, {"id", id}, {"result", result}});
+  std::string text = resultHead(id);
+  try {
+    appendCompactJSON(text, result);
+  } catch (const JSONWriteError&) {
+    reportUnwritableResponse();
+    return;
+  }
+  stdout.write(std::array<std::string_view, 2>{text, "}\n"});
 }
 
 void Server::writeResult(const JSON& id, ToolListing) {

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -97,8 +98,8 @@ TEST_F(HostileTest, AnApplicationThatFloods) {
 // The application goes away after every number of bytes of the request, and after every number of bytes of its answer.
 TEST_F(HostileTest, AnApplicationThatBreaksOffAtEveryPoint) {
   const std::string line = toolCall("get_insights", R"({"a":"b"})");
-  std::size_t requestBytes = 0;
-  std::size_t answerBytes = 0;
+  std::atomic<std::size_t> requestBytes = 0;
+  std::atomic<std::size_t> answerBytes = 0;
   const ScriptedApplication application(home.socketPath(), [&](int connection) {
     std::string request;
     std::array<char, 1> byte;
@@ -115,11 +116,11 @@ TEST_F(HostileTest, AnApplicationThatBreaksOffAtEveryPoint) {
   const auto before = descriptorCount(*server);
   const std::size_t wholeRequest = application.requests().back().size();
   for (requestBytes = 0; requestBytes < wholeRequest; ++requestBytes) {
-    EXPECT_EQ(errorCode(server->request(line)), -32000) << requestBytes << " bytes of the request";
+    EXPECT_EQ(errorCode(server->request(line)), -32000) << requestBytes.load() << " bytes of the request";
   }
   requestBytes = 100000;
   for (answerBytes = 0; answerBytes < answer.size(); ++answerBytes) {
-    EXPECT_EQ(errorCode(server->request(line)), -32002) << answerBytes << " bytes of the answer";
+    EXPECT_EQ(errorCode(server->request(line)), -32002) << answerBytes.load() << " bytes of the answer";
   }
   EXPECT_EQ(toolResult(server->request(line)), parseJson(R"({"n":1})"));
   EXPECT_EQ(descriptorCount(*server), before);
