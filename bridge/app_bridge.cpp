@@ -9,6 +9,7 @@
 #include <string>
 
 #include "core/descriptor.h"
+#include "core/descriptor_io.h"
 #include "core/error_text.h"
 #include "core/rpc_error.h"
 #include "core/startup_values.h"
@@ -55,7 +56,8 @@ int rpcCode(MCPMutationErrorCode code) {
   return rpc_code::internalError;
 }
 
-[[noreturn]] void failTransport(const std::string& what, int errorNumber) {
+// Takes no std::string: making one could change errno before it is read.
+[[noreturn]] void failTransport(const char* what, int errorNumber) {
   throw RPCError(transportFailed, what + errorText(errorNumber));
 }
 
@@ -71,10 +73,8 @@ Descriptor openSocket() {
 void connectTo(const Descriptor& socket, const std::string& path) {
   if (path.size() > platform::maxSocketPathLength) throw RPCError(transportFailed, "socket path too long");
   const sockaddr_un address = platform::socketAddress(path);
-  int result = 0;
-  do {
-    result = connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
-  } while (result != 0 && errno == EINTR);
+  const int result = retryInterrupted(
+      [&] { return connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address); });
   // A connection that was completed while a signal interrupted the wait for it is a connection.
   if (result == 0 || errno == EISCONN) return;
   if (errno == ENOENT || errno == ECONNREFUSED) {
@@ -111,11 +111,9 @@ JSON::Object withOrigin(JSON::Object args) {
 
 void writeAll(const Descriptor& socket, std::string_view bytes) {
   while (!bytes.empty()) {
-    const ssize_t written = send(socket.get(), bytes.data(), bytes.size(), platform::sendFlags());
-    if (written < 0) {
-      if (errno == EINTR) continue;
-      failTransport("write() failed: ", errno);
-    }
+    const ssize_t written =
+        retryInterrupted([&] { return send(socket.get(), bytes.data(), bytes.size(), platform::sendFlags()); });
+    if (written < 0) failTransport("write() failed: ", errno);
     if (written == 0) throw RPCError(transportFailed, "write() returned 0 (peer closed?)");
     bytes.remove_prefix(static_cast<std::size_t>(written));
   }
@@ -126,12 +124,9 @@ std::string readToEnd(const Descriptor& socket) {
   response.reserve(4096);
   std::array<char, 16384> buffer;
   while (true) {
-    const ssize_t received = read(socket.get(), buffer.data(), buffer.size());
+    const ssize_t received = retryInterrupted([&] { return read(socket.get(), buffer.data(), buffer.size()); });
     if (received == 0) return response;
-    if (received < 0) {
-      if (errno == EINTR) continue;
-      failTransport("read() failed: ", errno);
-    }
+    if (received < 0) failTransport("read() failed: ", errno);
     response.append(buffer.data(), static_cast<std::size_t>(received));
     if (response.size() > maxResponseBytes) throw RPCError(transportFailed, "response too large (>1 MiB)");
   }
