@@ -19,6 +19,7 @@
 #include "core/json_reader.h"
 #include "core/text.h"
 #include "tests/support/fake_platform.h"
+#include "tests/support/file_content.h"
 
 namespace orvane {
 namespace {
@@ -32,7 +33,7 @@ class ContextAuditLogTest : public testing::Test {
   ContextAuditLogTest() { unsetenv("ORV_MCP_AUDIBLE"); }
   ~ContextAuditLogTest() override { unsetenv("ORV_MCP_AUDIBLE"); }
 
-  std::string path() const { return home.file(".config/orvane/mcp-context-reads.jsonl"); }
+  std::string path() const { return home_.file(".config/orvane/mcp-context-reads.jsonl"); }
   std::string logged() const { return test::readFile(path()); }
   void recordAndDrain(ContextAuditRecord record) {
     log.record(std::move(record));
@@ -50,7 +51,7 @@ class ContextAuditLogTest : public testing::Test {
     return *readJSONObject(logged()).value().find("ts")->asString();
   }
 
-  test::PrivateHome home;
+  test::FakeHome home_;
   TimePoint now{1794792225678ms};  // changed only while the queue is idle
   int cues = 0;
   ContextAuditLog log{{[this] { return now; }, [this] { ++cues; }}};
@@ -184,18 +185,18 @@ TEST_F(ContextAuditLogTest, SaysThatItCannotOpen) {
 }
 
 TEST_F(ContextAuditLogTest, SaysSoWhenTheDirectoryCannotBe) {
-  test::writeFile(home.file(".config"), "in the way");
+  test::writeFile(home_.file(".config"), "in the way");
   EXPECT_EQ(standardErrorOf(plain), "ContextAuditLog: open for write failed: " + path() + "\n");
 }
 
 TEST_F(ContextAuditLogTest, DoesNotWaitForTheReaderOfAFifo) {
-  home.configurationFile("");
+  home_.configurationFile("");
   ASSERT_EQ(mkfifo(path().c_str(), 0600), 0);
   EXPECT_EQ(standardErrorOf(plain), "ContextAuditLog: open for write failed: " + path() + "\n");
 }
 
 TEST_F(ContextAuditLogTest, SaysThatAFullFifoTakesNothing) {
-  home.configurationFile("");
+  home_.configurationFile("");
   ASSERT_EQ(mkfifo(path().c_str(), 0600), 0);
   const Descriptor reader(open(path().c_str(), O_RDONLY | O_NONBLOCK));
   const Descriptor writer(open(path().c_str(), O_WRONLY | O_NONBLOCK));
@@ -208,7 +209,7 @@ TEST_F(ContextAuditLogTest, SaysThatAFullFifoTakesNothing) {
 
 TEST_F(ContextAuditLogTest, SaysThatADeviceTakesNothing) {
   if (!fs::exists("/dev/full")) GTEST_SKIP() << "no such device on this system";
-  home.configurationFile("");
+  home_.configurationFile("");
   fs::create_symlink("/dev/full", path());
   EXPECT_EQ(standardErrorOf(plain), "ContextAuditLog: write failed: " + errorText(ENOSPC) + "\n");
 }

@@ -7,36 +7,43 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <filesystem>
+#include <iterator>
 #include <string>
 #include <thread>
 
 #include "core/error_text.h"
 #include "core/startup_values.h"
-#include "tests/support/bridge_outcome.h"
+#include "tests/support/bridge_call.h"
 #include "tests/support/fake_platform.h"
-#include "tests/support/scripted_peer.h"
 
 namespace orvane {
 namespace {
 
-using test::AnsweringPeer;
+using test::applicationAnswering;
+using test::applicationWith;
+using test::Connection;
+using test::failureOf;
+using test::FakeHome;
 using test::fakePlatform;
+using test::mebibyte;
+using test::notRunning;
+using test::okResponse;
 using test::outcomeOfCall;
-using test::PeerConnection;
-using test::PrivateHome;
-using test::ScriptedPeer;
 
-constexpr std::size_t mebibyte = 1048576;
-const std::string notRunning = "-32001 Orvane app is not running — open the app and try again. no data";
-const std::string okResponse = "{\"ok\":true,\"result\":[1]}\n";
+// The number of descriptors that this process has open.
+std::size_t openDescriptorCount() {
+  const auto entries = std::filesystem::directory_iterator("/dev/fd");
+  return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+}
 
 class AppBridgeEnduranceTest : public testing::Test {
  protected:
-  PrivateHome home_;
+  FakeHome home_;
 };
 
 TEST_F(AppBridgeEnduranceTest, AnAnswerByDripsIsReadToItsEnd) {
-  const ScriptedPeer peer([](PeerConnection& connection) {
+  const auto application = applicationWith([](Connection& connection) {
     connection.readToEnd();
     for (const char byte : okResponse) {
       connection.send({&byte, 1});
@@ -44,11 +51,11 @@ TEST_F(AppBridgeEnduranceTest, AnAnswerByDripsIsReadToItsEnd) {
     }
   });
   EXPECT_EQ(outcomeOfCall(), "[1]");
-  EXPECT_EQ(peer.connectionCount(), 1);
+  EXPECT_EQ(application.connectionCount(), 1);
 }
 
 TEST_F(AppBridgeEnduranceTest, AnAnswerMayComeWhileTheRequestIsBeingWritten) {
-  const ScriptedPeer peer([](PeerConnection& connection) {
+  const auto application = applicationWith([](Connection& connection) {
     connection.send(okResponse);
     connection.readToEnd();
   });
@@ -57,7 +64,7 @@ TEST_F(AppBridgeEnduranceTest, AnAnswerMayComeWhileTheRequestIsBeingWritten) {
 
 TEST_F(AppBridgeEnduranceTest, TheRequestEndsTheClientsSide) {
   std::atomic<bool> hasEnded = false;
-  ScriptedPeer peer([&](PeerConnection& connection) {
+  const auto application = applicationWith([&](Connection& connection) {
     connection.readToEnd();
     hasEnded = connection.readSome(1).empty();
     connection.send(okResponse);
@@ -76,7 +83,7 @@ TEST_F(AppBridgeEnduranceTest, SignalsInterruptNothing) {
   ASSERT_EQ(sigaction(SIGUSR1, &counting, &before), 0);
   {
     const pthread_t caller = pthread_self();
-    ScriptedPeer peer([&](PeerConnection& connection) {
+    const auto application = applicationWith([&](Connection& connection) {
       const auto interrupt = [&] {
         const int seen = signalCount;
         pthread_kill(caller, SIGUSR1);
@@ -95,42 +102,41 @@ TEST_F(AppBridgeEnduranceTest, SignalsInterruptNothing) {
       }
     });
     EXPECT_EQ(outcomeOfCall("m", {{"text", std::string(2 * mebibyte, 'x')}}), "[1]");
-    EXPECT_EQ(peer.connectionCount(), 1);
+    EXPECT_EQ(application.connectionCount(), 1);
   }
   sigaction(SIGUSR1, &before, nullptr);
   EXPECT_EQ(signalCount, 40 + static_cast<int>(okResponse.size()));
 }
 
 TEST_F(AppBridgeEnduranceTest, ThousandsOfFailuresLeaveNoDescriptorOpen) {
-  const std::size_t before = test::openDescriptorCount();
+  const std::size_t before = openDescriptorCount();
   for (int i = 0; i < 2000; ++i) ASSERT_EQ(outcomeOfCall(), notRunning);
-  EXPECT_EQ(test::openDescriptorCount(), before);
+  EXPECT_EQ(openDescriptorCount(), before);
   fakePlatform().applicationSupport = home_.file(std::string(100, 'x'));
   for (int i = 0; i < 2000; ++i) ASSERT_EQ(outcomeOfCall(), "-32000 socket path too long no data");
-  EXPECT_EQ(test::openDescriptorCount(), before);
+  EXPECT_EQ(openDescriptorCount(), before);
   fakePlatform().applicationSupport.reset();
 
   int calls = 0;
   {
-    const AnsweringPeer peer(R"({"ok":false,"error":{"code":"too_many_requests","message":"m"}})");
-    const std::size_t withPeer = test::openDescriptorCount();
+    const auto application = applicationAnswering(R"({"ok":false,"error":{"code":"too_many_requests","message":"m"}})");
+    const std::size_t withApplication = openDescriptorCount();
     for (; calls < 1000; ++calls) ASSERT_TRUE(outcomeOfCall().starts_with("-32014"));
     fakePlatform().peer = platform::Peer{0, getuid() + 1};
     for (; calls < 2000; ++calls) ASSERT_TRUE(outcomeOfCall().starts_with("-32015"));
     fakePlatform().peer = platform::Peer{EINVAL, 0};
-    for (; calls < 3000; ++calls)
-      ASSERT_EQ(outcomeOfCall(), "-32000 getpeereid() failed: " + errorText(EINVAL) + " no data");
+    for (; calls < 3000; ++calls) ASSERT_EQ(outcomeOfCall(), failureOf("getpeereid", EINVAL));
     fakePlatform().peer.reset();
     setStartupValues({"\xFF", false});
     for (; calls < 4000; ++calls) ASSERT_THROW(AppBridge::call("m", {}), JSONWriteError);
     setStartupValues({});
     // Connections that the peer has not taken yet may still be open on its side.
-    for (int wait = 0; wait < 5000 && peer.requests().size() < 4000; ++wait) usleep(1000);
-    EXPECT_EQ(peer.connectionCount(), calls) << "one connection a call";
-    for (int wait = 0; wait < 5000 && test::openDescriptorCount() != withPeer; ++wait) usleep(1000);
-    EXPECT_EQ(test::openDescriptorCount(), withPeer);
+    for (int wait = 0; wait < 5000 && application.requests().size() < 4000; ++wait) usleep(1000);
+    EXPECT_EQ(application.connectionCount(), calls) << "one connection a call";
+    for (int wait = 0; wait < 5000 && openDescriptorCount() != withApplication; ++wait) usleep(1000);
+    EXPECT_EQ(openDescriptorCount(), withApplication);
   }
-  EXPECT_EQ(test::openDescriptorCount(), before);
+  EXPECT_EQ(openDescriptorCount(), before);
 }
 
 }  // namespace

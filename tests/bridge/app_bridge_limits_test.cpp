@@ -18,28 +18,24 @@
 
 #include "core/error_text.h"
 #include "protocol/mcp_socket_path.h"
-#include "tests/support/bridge_outcome.h"
+#include "tests/support/bridge_call.h"
 #include "tests/support/fake_platform.h"
+#include "tests/support/file_content.h"
 #include "tests/support/json_text.h"
-#include "tests/support/scripted_peer.h"
 
 namespace orvane {
 namespace {
 
-using test::AnsweringPeer;
+using test::applicationAnswering;
+using test::applicationWith;
+using test::Connection;
+using test::failureOf;
+using test::FakeHome;
 using test::fakePlatform;
+using test::mebibyte;
+using test::notRunning;
+using test::okResponse;
 using test::outcomeOfCall;
-using test::PeerConnection;
-using test::PrivateHome;
-using test::ScriptedPeer;
-
-constexpr std::size_t mebibyte = 1048576;
-const std::string notRunning = "-32001 Orvane app is not running — open the app and try again. no data";
-const std::string okResponse = "{\"ok\":true,\"result\":[1]}\n";
-
-std::string failed(const std::string& what, int number) {
-  return "-32000 " + what + "() failed: " + errorText(number) + " no data";
-}
 
 class AppBridgeLimitsTest : public testing::Test {
  protected:
@@ -52,7 +48,7 @@ class AppBridgeLimitsTest : public testing::Test {
     ASSERT_EQ(MCPSocketPath::resolve().size(), length);
   }
 
-  PrivateHome home_;
+  FakeHome home_;
 };
 
 TEST_F(AppBridgeLimitsTest, NobodyListeningMeansNotRunning) {
@@ -66,17 +62,17 @@ TEST_F(AppBridgeLimitsTest, NobodyListeningMeansNotRunning) {
 
 TEST_F(AppBridgeLimitsTest, OtherReasonsAgainstAConnectionAreTold) {
   test::writeFile(home_.file("Library/Application Support/Orvane"), "a file");
-  EXPECT_EQ(outcomeOfCall(), failed("connect", ENOTDIR));
+  EXPECT_EQ(outcomeOfCall(), failureOf("connect", ENOTDIR));
   const std::string loop = home_.file("loop");
   std::filesystem::create_symlink(loop, loop);
   fakePlatform().applicationSupport = loop;
-  EXPECT_EQ(outcomeOfCall(), failed("connect", ELOOP));
+  EXPECT_EQ(outcomeOfCall(), failureOf("connect", ELOOP));
 }
 
 TEST_F(AppBridgeLimitsTest, ThePathMayHave103Bytes) {
   for (const std::size_t length : {102U, 103U}) {
     setPathLength(length);
-    const AnsweringPeer peer(okResponse);
+    const auto application = applicationAnswering(okResponse);
     EXPECT_EQ(outcomeOfCall(), "[1]") << length;
   }
   setPathLength(103);
@@ -85,9 +81,9 @@ TEST_F(AppBridgeLimitsTest, ThePathMayHave103Bytes) {
 
 TEST_F(AppBridgeLimitsTest, ALongerPathIsRefusedWithoutAConnection) {
   setPathLength(104);
-  const AnsweringPeer peer(okResponse);
+  const auto application = applicationAnswering(okResponse);
   EXPECT_EQ(outcomeOfCall(), "-32000 socket path too long no data");
-  EXPECT_EQ(peer.connectionCount(), 0);
+  EXPECT_EQ(application.connectionCount(), 0);
 }
 
 TEST_F(AppBridgeLimitsTest, PathsFarBeyondTheLimitAreRefusedToo) {
@@ -109,34 +105,34 @@ TEST_F(AppBridgeLimitsTest, WithoutADescriptorTheSocketFailsFirst) {
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
   const std::string outcome = outcomeOfCall();
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
-  EXPECT_EQ(outcome, failed("socket", EMFILE));
+  EXPECT_EQ(outcome, failureOf("socket", EMFILE));
 }
 
 TEST_F(AppBridgeLimitsTest, AnotherUsersPeerGetsNotOneByte) {
-  const AnsweringPeer peer(okResponse);
+  const auto application = applicationAnswering(okResponse);
   fakePlatform().peer = platform::Peer{0, 4294967294U};
   EXPECT_EQ(outcomeOfCall(),
             "-32015 Refusing to talk to MCP server: peer uid 4294967294 does not match this user's uid " +
                 std::to_string(getuid()) + ". no data");
   fakePlatform().peer = platform::Peer{0, getuid()};
   EXPECT_EQ(outcomeOfCall("second"), "[1]");
-  ASSERT_EQ(peer.requests().size(), 2U);
-  EXPECT_EQ(peer.requests()[0], "");
+  ASSERT_EQ(application.requests().size(), 2U);
+  EXPECT_EQ(application.requests()[0], "");
 }
 
 TEST_F(AppBridgeLimitsTest, APeerThatCannotBeKnownIsRefused) {
-  const AnsweringPeer peer(okResponse);
+  const auto application = applicationAnswering(okResponse);
   // The uid is right; it must not count beside an error.
   fakePlatform().peer = platform::Peer{ENOTCONN, getuid()};
-  EXPECT_EQ(outcomeOfCall(), failed("getpeereid", ENOTCONN));
+  EXPECT_EQ(outcomeOfCall(), failureOf("getpeereid", ENOTCONN));
   fakePlatform().peer.reset();
   EXPECT_EQ(outcomeOfCall("second"), "[1]");
-  ASSERT_EQ(peer.requests().size(), 2U);
-  EXPECT_EQ(peer.requests()[0], "");
+  ASSERT_EQ(application.requests().size(), 2U);
+  EXPECT_EQ(application.requests()[0], "");
 }
 
 TEST_F(AppBridgeLimitsTest, TheSocketHasItsTimeoutsAndIsNotInherited) {
-  const AnsweringPeer peer(okResponse);
+  const auto application = applicationAnswering(okResponse);
   int lookups = 0;
   fakePlatform().onPeerLookup = [&](int socket) {
     ++lookups;
@@ -163,30 +159,30 @@ void shortenTimeouts(int socket) {
 TEST_F(AppBridgeLimitsTest, AStalledAnswerIsAReadFailure) {
   std::promise<void> isDone;
   auto whenDone = isDone.get_future().share();
-  const ScriptedPeer peer([whenDone](PeerConnection& connection) {
+  const auto application = applicationWith([whenDone](Connection& connection) {
     connection.readToEnd();
     connection.send("{\"ok\":true");
     whenDone.wait();
   });
   fakePlatform().onPeerLookup = shortenTimeouts;
-  EXPECT_EQ(outcomeOfCall(), failed("read", EAGAIN));
+  EXPECT_EQ(outcomeOfCall(), failureOf("read", EAGAIN));
   isDone.set_value();
-  EXPECT_EQ(peer.connectionCount(), 1);
+  EXPECT_EQ(application.connectionCount(), 1);
 }
 
 TEST_F(AppBridgeLimitsTest, AStalledRequestIsAWriteFailure) {
   std::promise<void> isDone;
   auto whenDone = isDone.get_future().share();
-  const ScriptedPeer peer([whenDone](PeerConnection&) { whenDone.wait(); });
+  const auto application = applicationWith([whenDone](Connection&) { whenDone.wait(); });
   fakePlatform().onPeerLookup = shortenTimeouts;
-  EXPECT_EQ(outcomeOfCall("m", {{"text", std::string(4 * mebibyte, 'x')}}), failed("write", EAGAIN));
+  EXPECT_EQ(outcomeOfCall("m", {{"text", std::string(4 * mebibyte, 'x')}}), failureOf("write", EAGAIN));
   isDone.set_value();
-  EXPECT_EQ(peer.connectionCount(), 1);
+  EXPECT_EQ(application.connectionCount(), 1);
 }
 
 TEST_F(AppBridgeLimitsTest, APeerThatIsGoneBeforeTheRequestIsAWriteFailureAndNoSignal) {
   std::atomic<bool> mayClose = false;
-  ScriptedPeer peer([&](PeerConnection&) {
+  const auto application = applicationWith([&](Connection&) {
     while (!mayClose) std::this_thread::yield();
   });
   fakePlatform().onPeerLookup = [&](int socket) {
@@ -194,17 +190,17 @@ TEST_F(AppBridgeLimitsTest, APeerThatIsGoneBeforeTheRequestIsAWriteFailureAndNoS
     pollfd hangUp{socket, 0, 0};
     poll(&hangUp, 1, 10000);
   };
-  EXPECT_EQ(outcomeOfCall(), failed("write", EPIPE));
+  EXPECT_EQ(outcomeOfCall(), failureOf("write", EPIPE));
 }
 
 TEST_F(AppBridgeLimitsTest, AConnectionResetIsAReadFailure) {
-  const ScriptedPeer peer([](PeerConnection& connection) {
+  const auto application = applicationWith([](Connection& connection) {
     connection.readSome(1);
     // Closing with the rest of the request unread resets the connection.
     int unread = 0;
     while (unread < 20) ioctl(connection.descriptor(), FIONREAD, &unread);
   });
-  EXPECT_EQ(outcomeOfCall(), failed("read", ECONNRESET));
+  EXPECT_EQ(outcomeOfCall(), failureOf("read", ECONNRESET));
 }
 
 TEST_F(AppBridgeLimitsTest, ResponsesMayHaveOneMebibyteLineFeedIncluded) {
@@ -212,20 +208,20 @@ TEST_F(AppBridgeLimitsTest, ResponsesMayHaveOneMebibyteLineFeedIncluded) {
   const std::string tail = "\"]}\n";
   for (const std::size_t size : {mebibyte - 1, mebibyte, mebibyte + 1, mebibyte + 2}) {
     const std::string text(size - head.size() - tail.size(), 'x');
-    const AnsweringPeer peer(head + text + tail);
+    const auto application = applicationAnswering(head + text + tail);
     if (size <= mebibyte) {
       EXPECT_EQ(outcomeOfCall(), "[\"" + text + "\"]") << size;
     } else {
       EXPECT_EQ(outcomeOfCall(), "-32000 response too large (>1 MiB) no data") << size;
     }
-    EXPECT_EQ(peer.connectionCount(), 1);
+    EXPECT_EQ(application.connectionCount(), 1);
   }
 }
 
 TEST_F(AppBridgeLimitsTest, AFloodIsCutOffAtOnce) {
   std::atomic<std::size_t> sent = 0;
   {
-    ScriptedPeer peer([&](PeerConnection& connection) {
+    const auto application = applicationWith([&](Connection& connection) {
       connection.readToEnd();
       const std::string chunk(65536, ' ');
       while (connection.send(chunk)) sent += chunk.size();
@@ -237,11 +233,12 @@ TEST_F(AppBridgeLimitsTest, AFloodIsCutOffAtOnce) {
 }
 
 TEST_F(AppBridgeLimitsTest, LargeRequestsArriveWhole) {
-  const AnsweringPeer peer(okResponse);
+  const auto application = applicationAnswering(okResponse);
   const std::string text(mebibyte - 200, 'x');
   EXPECT_EQ(outcomeOfCall("m", {{"text", text}}), "[1]");
-  ASSERT_EQ(peer.requests().size(), 1U);
-  EXPECT_EQ(test::canonical(peer.requests()[0]), test::canonical(R"({"method":"m","args":{"text":")" + text + "\"}}"));
+  ASSERT_EQ(application.requests().size(), 1U);
+  EXPECT_EQ(test::canonical(application.requests()[0]),
+            test::canonical(R"({"method":"m","args":{"text":")" + text + "\"}}"));
 }
 
 }  // namespace

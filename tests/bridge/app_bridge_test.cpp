@@ -10,20 +10,19 @@
 #include "core/json_writer.h"
 #include "core/rpc_error.h"
 #include "core/startup_values.h"
-#include "tests/support/bridge_outcome.h"
+#include "tests/support/bridge_call.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/json_text.h"
-#include "tests/support/scripted_peer.h"
 
 namespace orvane {
 namespace {
 
-using test::AnsweringPeer;
+using test::applicationAnswering;
 using test::canonical;
+using test::FakeHome;
 using test::outcomeOfCall;
 using test::parsed;
 using test::parsedObject;
-using test::PrivateHome;
 
 class AppBridgeTest : public testing::Test {
  protected:
@@ -32,10 +31,10 @@ class AppBridgeTest : public testing::Test {
 
   /// The "args" that reach the application for these arguments, in one form.
   static std::string sentArgs(std::string_view args) {
-    const AnsweringPeer peer(R"({"ok":true})");
+    const auto application = applicationAnswering(R"({"ok":true})");
     AppBridge::call("m", parsedObject(args));
-    EXPECT_EQ(peer.requests().size(), 1U);
-    const JSON::Object request = parsedObject(peer.requests().at(0));
+    EXPECT_EQ(application.requests().size(), 1U);
+    const JSON::Object request = parsedObject(application.requests().at(0));
     EXPECT_EQ(request.size(), 2U);
     EXPECT_EQ(*request.find("method"), JSON("m"));
     return writePrettyJSON(*request.find("args"));
@@ -43,32 +42,32 @@ class AppBridgeTest : public testing::Test {
 
   /// What the agent sees when the application answers `response`.
   static std::string seen(const std::string& response) {
-    const AnsweringPeer peer(response);
+    const auto application = applicationAnswering(response);
     const std::string outcome = outcomeOfCall();
-    EXPECT_EQ(peer.connectionCount(), 1);
+    EXPECT_EQ(application.connectionCount(), 1);
     return outcome;
   }
 
-  PrivateHome home_;
+  FakeHome home_;
 };
 
 TEST_F(AppBridgeTest, SendsOneRequestAndReturnsTheResult) {
-  const AnsweringPeer peer("{\"ok\":true,\"result\":{\"b\":1.50,\"a\":[null,\"x/y\"]}}\n");
+  const auto application = applicationAnswering("{\"ok\":true,\"result\":{\"b\":1.50,\"a\":[null,\"x/y\"]}}\n");
   EXPECT_EQ(writeCompactJSON(AppBridge::call("set_input_device", {{"name", "USB/Mic"}})),
             R"({"b":1.50,"a":[null,"x/y"]})");
-  ASSERT_EQ(peer.requests().size(), 1U);
-  const std::string request = peer.requests()[0];
+  ASSERT_EQ(application.requests().size(), 1U);
+  const std::string request = application.requests()[0];
   EXPECT_EQ(request.find('\n'), request.size() - 1);
   EXPECT_EQ(request.find("\\/"), std::string::npos);
   EXPECT_EQ(canonical(request), canonical(R"({"method":"set_input_device","args":{"name":"USB/Mic"}})"));
-  EXPECT_EQ(peer.connectionCount(), 1);
+  EXPECT_EQ(application.connectionCount(), 1);
 }
 
 TEST_F(AppBridgeTest, EveryCallHasItsOwnConnection) {
-  const AnsweringPeer peer(R"({"ok":true,"result":[]})");
+  const auto application = applicationAnswering(R"({"ok":true,"result":[]})");
   for (int i = 0; i < 20; ++i) EXPECT_EQ(AppBridge::call("m", {}), JSON(JSON::Array()));
-  EXPECT_EQ(peer.connectionCount(), 20);
-  EXPECT_EQ(peer.requests().size(), 20U);
+  EXPECT_EQ(application.connectionCount(), 20);
+  EXPECT_EQ(application.requests().size(), 20U);
 }
 
 TEST_F(AppBridgeTest, ArgumentsPassUntouched) {
@@ -110,7 +109,7 @@ TEST_F(AppBridgeTest, OtherSpellingsAndDeeperKeysStay) {
 }
 
 TEST_F(AppBridgeTest, TheCallersArgumentsStayAsTheyWere) {
-  const AnsweringPeer peer(R"({"ok":true})");
+  const auto application = applicationAnswering(R"({"ok":true})");
   setStartupValues({"x", true});
   const JSON::Object args = parsedObject(R"({"_agent":"mine","a":1})");
   AppBridge::call("m", args);
@@ -118,13 +117,13 @@ TEST_F(AppBridgeTest, TheCallersArgumentsStayAsTheyWere) {
 }
 
 TEST_F(AppBridgeTest, ANameThatIsNotUTF8IsTheWritersErrorAndNothingIsSent) {
-  const AnsweringPeer peer(R"({"ok":true})");
+  const auto application = applicationAnswering(R"({"ok":true})");
   setStartupValues({"\xFF", false});
   EXPECT_THROW(AppBridge::call("m", {}), JSONWriteError);
   setStartupValues({});
   EXPECT_EQ(AppBridge::call("second", {}), JSON(JSON::Object()));
-  ASSERT_EQ(peer.requests().size(), 2U);
-  EXPECT_EQ(peer.requests()[0], "");
+  ASSERT_EQ(application.requests().size(), 2U);
+  EXPECT_EQ(application.requests()[0], "");
 }
 
 TEST_F(AppBridgeTest, ResultsOfAnyKindAreReturned) {
@@ -185,7 +184,7 @@ TEST_F(AppBridgeTest, MalformedResponsesSayWhatIsWrong) {
 
 TEST_F(AppBridgeTest, TheDeepestReadableResponseIsPassedAndADeeperOneIsMalformed) {
   const std::string deepest = test::nestedArrays(maxReadNesting - 1);
-  const AnsweringPeer peer(R"({"ok":true,"result":)" + deepest + "}");
+  const auto application = applicationAnswering(R"({"ok":true,"result":)" + deepest + "}");
   const JSON result = AppBridge::call("m", {});
   EXPECT_EQ(writeCompactJSON(result), deepest);
   EXPECT_EQ(writeCompactJSON(parsed(writePrettyJSON(result))), deepest);

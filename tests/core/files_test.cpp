@@ -17,6 +17,7 @@
 
 #include "core/error_text.h"
 #include "tests/support/fake_platform.h"
+#include "tests/support/file_content.h"
 
 namespace orvane {
 namespace {
@@ -53,7 +54,7 @@ class FilesTest : public testing::Test {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
 
-  test::PrivateHome home;
+  test::FakeHome home_;
 
  private:
   mode_t oldMask_;
@@ -63,142 +64,142 @@ TEST_F(FilesTest, ReadsAllBytes) {
   for (const std::size_t size : {0U, 1U, 4096U, 1000000U}) {
     std::string content(size, '\0');
     for (std::size_t i = 0; i < size; ++i) content[i] = static_cast<char>(i * 7);
-    test::writeFile(home.file("f"), content);
-    const auto outcome = readWholeFile(home.file("f"));
+    test::writeFile(home_.file("f"), content);
+    const auto outcome = readWholeFile(home_.file("f"));
     ASSERT_EQ(errorOf(outcome), 0);
     EXPECT_EQ(std::get<std::string>(outcome), content);
   }
 }
 
 TEST_F(FilesTest, ReadsOnlyRegularFiles) {
-  EXPECT_EQ(errorOf(readWholeFile(home.file("absent"))), ENOENT);
-  EXPECT_EQ(errorOf(readWholeFile(home.path())), EISDIR);
+  EXPECT_EQ(errorOf(readWholeFile(home_.file("absent"))), ENOENT);
+  EXPECT_EQ(errorOf(readWholeFile(home_.path())), EISDIR);
   EXPECT_EQ(errorOf(readWholeFile("/dev/null")), EINVAL);
-  ASSERT_EQ(mkfifo(home.file("fifo").c_str(), 0600), 0);
-  EXPECT_EQ(errorOf(readWholeFile(home.file("fifo"))), EINVAL);
-  fs::create_symlink("fifo", home.file("link"));
-  EXPECT_EQ(errorOf(readWholeFile(home.file("link"))), EINVAL);
+  ASSERT_EQ(mkfifo(home_.file("fifo").c_str(), 0600), 0);
+  EXPECT_EQ(errorOf(readWholeFile(home_.file("fifo"))), EINVAL);
+  fs::create_symlink("fifo", home_.file("link"));
+  EXPECT_EQ(errorOf(readWholeFile(home_.file("link"))), EINVAL);
   EXPECT_EQ((FileError{ENOENT}.description()), errorText(ENOENT));
 }
 
 TEST_F(FilesTest, ReadsThroughLinks) {
-  test::writeFile(home.file("f"), "text");
-  fs::create_symlink("f", home.file("link"));
-  EXPECT_EQ(readTextFile(home.file("link")), "text");
+  test::writeFile(home_.file("f"), "text");
+  fs::create_symlink("f", home_.file("link"));
+  EXPECT_EQ(readTextFile(home_.file("link")), "text");
 }
 
 TEST_F(FilesTest, TextIsValidUTF8) {
-  test::writeFile(home.file("f"), "\u00e4");
-  EXPECT_EQ(readTextFile(home.file("f")), "\u00e4");
-  test::writeFile(home.file("f"), "a\xff");
-  EXPECT_EQ(readTextFile(home.file("f")), std::nullopt);
-  EXPECT_EQ(readTextFile(home.file("absent")), std::nullopt);
+  test::writeFile(home_.file("f"), "\u00e4");
+  EXPECT_EQ(readTextFile(home_.file("f")), "\u00e4");
+  test::writeFile(home_.file("f"), "a\xff");
+  EXPECT_EQ(readTextFile(home_.file("f")), std::nullopt);
+  EXPECT_EQ(readTextFile(home_.file("absent")), std::nullopt);
 }
 
 TEST_F(FilesTest, ExistenceFollowsLinks) {
-  EXPECT_FALSE(fileExists(home.file("f")));
-  fs::create_symlink("f", home.file("link"));
-  EXPECT_FALSE(fileExists(home.file("link")));
-  test::writeFile(home.file("f"), "");
-  EXPECT_TRUE(fileExists(home.file("link")));
-  EXPECT_TRUE(fileExists(home.path()));
+  EXPECT_FALSE(fileExists(home_.file("f")));
+  fs::create_symlink("f", home_.file("link"));
+  EXPECT_FALSE(fileExists(home_.file("link")));
+  test::writeFile(home_.file("f"), "");
+  EXPECT_TRUE(fileExists(home_.file("link")));
+  EXPECT_TRUE(fileExists(home_.path()));
 }
 
 TEST_F(FilesTest, ListsADirectory) {
-  EXPECT_EQ(listDirectory(home.path())->size(), 0U);
-  test::writeFile(home.file("b/f"), "");
-  test::writeFile(home.file(".a"), "");
-  EXPECT_EQ(entries(home.path()), (std::vector<std::string>{".a", "b"}));
-  EXPECT_EQ(listDirectory(home.file(".a")), std::nullopt);
-  EXPECT_EQ(listDirectory(home.file("absent")), std::nullopt);
+  EXPECT_EQ(listDirectory(home_.path())->size(), 0U);
+  test::writeFile(home_.file("b/f"), "");
+  test::writeFile(home_.file(".a"), "");
+  EXPECT_EQ(entries(home_.path()), (std::vector<std::string>{".a", "b"}));
+  EXPECT_EQ(listDirectory(home_.file(".a")), std::nullopt);
+  EXPECT_EQ(listDirectory(home_.file("absent")), std::nullopt);
 }
 
 TEST_F(FilesTest, MakesDirectories) {
-  EXPECT_EQ(errorOf(createDirectories(home.file("a/b/c"))), 0);
-  EXPECT_EQ(modeOf(home.file("a/b")), 0755U);
-  EXPECT_EQ(errorOf(createDirectories(home.file("a/b/c"))), 0);
-  EXPECT_EQ(errorOf(createDirectories(home.file("d/e/"))), 0);
-  EXPECT_TRUE(fs::is_directory(home.file("d/e")));
-  fs::create_directory_symlink("a", home.file("link"));
-  EXPECT_EQ(errorOf(createDirectories(home.file("link/x"))), 0);
-  EXPECT_TRUE(fs::is_directory(home.file("a/x")));
+  EXPECT_EQ(errorOf(createDirectories(home_.file("a/b/c"))), 0);
+  EXPECT_EQ(modeOf(home_.file("a/b")), 0755U);
+  EXPECT_EQ(errorOf(createDirectories(home_.file("a/b/c"))), 0);
+  EXPECT_EQ(errorOf(createDirectories(home_.file("d/e/"))), 0);
+  EXPECT_TRUE(fs::is_directory(home_.file("d/e")));
+  fs::create_directory_symlink("a", home_.file("link"));
+  EXPECT_EQ(errorOf(createDirectories(home_.file("link/x"))), 0);
+  EXPECT_TRUE(fs::is_directory(home_.file("a/x")));
 }
 
 TEST_F(FilesTest, AFileInTheWayOfADirectoryIsAnError) {
-  test::writeFile(home.file("f"), "");
-  EXPECT_EQ(errorOf(createDirectories(home.file("f"))), EEXIST);
-  EXPECT_EQ(errorOf(createDirectories(home.file("f/a/b"))), EEXIST);
+  test::writeFile(home_.file("f"), "");
+  EXPECT_EQ(errorOf(createDirectories(home_.file("f"))), EEXIST);
+  EXPECT_EQ(errorOf(createDirectories(home_.file("f/a/b"))), EEXIST);
 }
 
 TEST_F(FilesTest, ReplaceMakesAndReplaces) {
-  EXPECT_EQ(errorOf(replaceFile(home.file("f"), "one")), 0);
-  EXPECT_EQ(test::readFile(home.file("f")), "one");
-  EXPECT_EQ(errorOf(replaceFile(home.file("f"), "")), 0);
-  EXPECT_EQ(test::readFile(home.file("f")), "");
-  EXPECT_EQ(entries(home.path()), std::vector<std::string>{"f"});
+  EXPECT_EQ(errorOf(replaceFile(home_.file("f"), "one")), 0);
+  EXPECT_EQ(test::readFile(home_.file("f")), "one");
+  EXPECT_EQ(errorOf(replaceFile(home_.file("f"), "")), 0);
+  EXPECT_EQ(test::readFile(home_.file("f")), "");
+  EXPECT_EQ(entries(home_.path()), std::vector<std::string>{"f"});
 }
 
 TEST_F(FilesTest, NewFilesFollowTheUmask) {
   umask(027);
-  ASSERT_EQ(errorOf(replaceFile(home.file("f"), "x")), 0);
-  EXPECT_EQ(modeOf(home.file("f")), 0640U);
+  ASSERT_EQ(errorOf(replaceFile(home_.file("f"), "x")), 0);
+  EXPECT_EQ(modeOf(home_.file("f")), 0640U);
 }
 
 TEST_F(FilesTest, ReplaceKeepsPermissions) {
   umask(077);
   for (const mode_t mode : {0600U, 0644U, 0666U, 0400U}) {
-    test::writeFile(home.file("f"), "old");
-    ASSERT_EQ(chmod(home.file("f").c_str(), mode), 0);
-    ASSERT_EQ(errorOf(replaceFile(home.file("f"), "new")), 0);
-    EXPECT_EQ(modeOf(home.file("f")), mode);
-    EXPECT_EQ(test::readFile(home.file("f")), "new");
-    fs::remove(home.file("f"));
+    test::writeFile(home_.file("f"), "old");
+    ASSERT_EQ(chmod(home_.file("f").c_str(), mode), 0);
+    ASSERT_EQ(errorOf(replaceFile(home_.file("f"), "new")), 0);
+    EXPECT_EQ(modeOf(home_.file("f")), mode);
+    EXPECT_EQ(test::readFile(home_.file("f")), "new");
+    fs::remove(home_.file("f"));
   }
 }
 
 TEST_F(FilesTest, ReplaceFollowsLinks) {
-  test::writeFile(home.file("d/target"), "old");
-  fs::create_symlink("target", home.file("d/second"));
-  fs::create_symlink("d/second", home.file("relative"));
-  fs::create_symlink(home.file("d/target"), home.file("absolute"));
+  test::writeFile(home_.file("d/target"), "old");
+  fs::create_symlink("target", home_.file("d/second"));
+  fs::create_symlink("d/second", home_.file("relative"));
+  fs::create_symlink(home_.file("d/target"), home_.file("absolute"));
   for (const char* link : {"relative", "absolute"}) {
-    ASSERT_EQ(errorOf(replaceFile(home.file(link), link)), 0);
-    EXPECT_TRUE(fs::is_symlink(home.file(link)));
-    EXPECT_EQ(test::readFile(home.file("d/target")), link);
+    ASSERT_EQ(errorOf(replaceFile(home_.file(link), link)), 0);
+    EXPECT_TRUE(fs::is_symlink(home_.file(link)));
+    EXPECT_EQ(test::readFile(home_.file("d/target")), link);
   }
-  EXPECT_TRUE(fs::is_symlink(home.file("d/second")));
-  EXPECT_EQ(entries(home.file("d")), (std::vector<std::string>{"second", "target"}));
+  EXPECT_TRUE(fs::is_symlink(home_.file("d/second")));
+  EXPECT_EQ(entries(home_.file("d")), (std::vector<std::string>{"second", "target"}));
 }
 
 TEST_F(FilesTest, ReplaceWritesThroughADanglingLink) {
-  fs::create_directory(home.file("d"));
-  fs::create_symlink("d/new", home.file("link"));
-  ASSERT_EQ(errorOf(replaceFile(home.file("link"), "x")), 0);
-  EXPECT_TRUE(fs::is_symlink(home.file("link")));
-  EXPECT_EQ(test::readFile(home.file("d/new")), "x");
-  fs::create_symlink("nowhere/new", home.file("lost"));
-  EXPECT_EQ(errorOf(replaceFile(home.file("lost"), "x")), ENOENT);
+  fs::create_directory(home_.file("d"));
+  fs::create_symlink("d/new", home_.file("link"));
+  ASSERT_EQ(errorOf(replaceFile(home_.file("link"), "x")), 0);
+  EXPECT_TRUE(fs::is_symlink(home_.file("link")));
+  EXPECT_EQ(test::readFile(home_.file("d/new")), "x");
+  fs::create_symlink("nowhere/new", home_.file("lost"));
+  EXPECT_EQ(errorOf(replaceFile(home_.file("lost"), "x")), ENOENT);
 }
 
 TEST_F(FilesTest, ReplaceEndsAtLinksInACircle) {
-  fs::create_symlink("b", home.file("a"));
-  fs::create_symlink("a", home.file("b"));
-  EXPECT_EQ(errorOf(replaceFile(home.file("a"), "x")), ELOOP);
+  fs::create_symlink("b", home_.file("a"));
+  fs::create_symlink("a", home_.file("b"));
+  EXPECT_EQ(errorOf(replaceFile(home_.file("a"), "x")), ELOOP);
 }
 
 TEST_F(FilesTest, ReplaceTakesOnlyRegularFiles) {
-  EXPECT_EQ(errorOf(replaceFile(home.path(), "x")), EISDIR);
-  ASSERT_EQ(mkfifo(home.file("fifo").c_str(), 0600), 0);
-  EXPECT_EQ(errorOf(replaceFile(home.file("fifo"), "x")), EINVAL);
-  fs::create_symlink("/dev/null", home.file("null"));
-  EXPECT_EQ(errorOf(replaceFile(home.file("null"), "x")), EINVAL);
-  EXPECT_EQ(errorOf(replaceFile(home.file("absent/f"), "x")), ENOENT);
-  EXPECT_EQ(entries(home.path()), (std::vector<std::string>{"fifo", "null"}));
+  EXPECT_EQ(errorOf(replaceFile(home_.path(), "x")), EISDIR);
+  ASSERT_EQ(mkfifo(home_.file("fifo").c_str(), 0600), 0);
+  EXPECT_EQ(errorOf(replaceFile(home_.file("fifo"), "x")), EINVAL);
+  fs::create_symlink("/dev/null", home_.file("null"));
+  EXPECT_EQ(errorOf(replaceFile(home_.file("null"), "x")), EINVAL);
+  EXPECT_EQ(errorOf(replaceFile(home_.file("absent/f"), "x")), ENOENT);
+  EXPECT_EQ(entries(home_.path()), (std::vector<std::string>{"fifo", "null"}));
 }
 
 TEST_F(FilesTest, AFileSizeLimitLeavesTheOldFile) {
-  test::writeFile(home.file("f"), "old");
-  const std::string path = home.file("f");
+  test::writeFile(home_.file("f"), "old");
+  const std::string path = home_.file("f");
   EXPECT_EQ(inChild([&] {
               std::signal(SIGXFSZ, SIG_IGN);
               const rlimit limit{1000, 1000};
@@ -207,15 +208,15 @@ TEST_F(FilesTest, AFileSizeLimitLeavesTheOldFile) {
             }),
             EFBIG);
   EXPECT_EQ(test::readFile(path), "old");
-  EXPECT_EQ(entries(home.path()), std::vector<std::string>{"f"});
+  EXPECT_EQ(entries(home_.path()), std::vector<std::string>{"f"});
 }
 
 TEST_F(FilesTest, AReadOnlyDirectoryLeavesTheOldFile) {
-  const std::string path = home.file("d/f");
+  const std::string path = home_.file("d/f");
   test::writeFile(path, "old");
-  ASSERT_EQ(chmod(home.path().c_str(), 0755), 0);
+  ASSERT_EQ(chmod(home_.path().c_str(), 0755), 0);
   ASSERT_EQ(chmod(path.c_str(), 0666), 0);
-  ASSERT_EQ(chmod(home.file("d").c_str(), 0555), 0);
+  ASSERT_EQ(chmod(home_.file("d").c_str(), 0555), 0);
   EXPECT_EQ(inChild([&] {
               // Permissions bind everyone but root.
               if (getuid() == 0 && setuid(65534) != 0) return 200;
@@ -227,13 +228,13 @@ TEST_F(FilesTest, AReadOnlyDirectoryLeavesTheOldFile) {
               return errorOf(createDirectories(path.substr(0, path.rfind('/')) + "/new"));
             }),
             EACCES);
-  ASSERT_EQ(chmod(home.file("d").c_str(), 0755), 0);
+  ASSERT_EQ(chmod(home_.file("d").c_str(), 0755), 0);
   EXPECT_EQ(test::readFile(path), "old");
-  EXPECT_EQ(entries(home.file("d")), std::vector<std::string>{"f"});
+  EXPECT_EQ(entries(home_.file("d")), std::vector<std::string>{"f"});
 }
 
 TEST_F(FilesTest, ReadersNeverSeeAPart) {
-  const std::string path = home.file("f");
+  const std::string path = home_.file("f");
   const std::string contents[] = {std::string(30000, 'a'), std::string(20000, 'b')};
   ASSERT_EQ(errorOf(replaceFile(path, contents[0])), 0);
   std::atomic<bool> ending = false;

@@ -7,8 +7,8 @@
 namespace orvane {
 namespace {
 
+using test::FakeHome;
 using test::fakePlatform;
-using test::PrivateHome;
 
 TEST(PathTest, JoinPutsOneSlashBetween) {
   EXPECT_EQ(joinPath("/a", "b"), "/a/b");
@@ -27,7 +27,7 @@ TEST(PathTest, ParentDropsTheLastComponent) {
 }
 
 TEST(UserPathsTest, ConfigurationLiesUnderThePlatformsHome) {
-  const PrivateHome home;
+  const FakeHome home;
   EXPECT_EQ(configurationDirectory(), home.file(".config/orvane"));
   EXPECT_EQ(configurationPath("settings.json"), home.file(".config/orvane/settings.json"));
   fakePlatform().home = "/other";
@@ -37,7 +37,7 @@ TEST(UserPathsTest, ConfigurationLiesUnderThePlatformsHome) {
 }
 
 TEST(UserPathsTest, TheEnvironmentHasNoSay) {
-  const PrivateHome home;
+  const FakeHome home;
   const char* variable = getenv("HOME");
   const std::string before = variable == nullptr ? "" : variable;
   setenv("HOME", "/decoy", 1);
@@ -47,7 +47,7 @@ TEST(UserPathsTest, TheEnvironmentHasNoSay) {
 }
 
 TEST(UserPathsTest, ApplicationSupportIsThePlatformsOrLiesUnderTheHome) {
-  const PrivateHome home;
+  const FakeHome home;
   EXPECT_EQ(applicationSupportPath(), home.file("Library/Application Support"));
   fakePlatform().applicationSupport = "/support";
   EXPECT_EQ(applicationSupportPath(), "/support");

@@ -6,10 +6,11 @@
 #include <array>
 #include <filesystem>
 
+#include "tests/support/file_content.h"
 #include "tests/support/scripted_application.h"
 #include "tests/support/server_test.h"
 
-namespace orvane::tests {
+namespace orvane::test {
 namespace {
 
 const std::string notRunning = "Orvane app is not running \u2014 open the app and try again.";
@@ -19,9 +20,8 @@ class BridgeConnectionTest : public ServerTest {
  protected:
   Json call(std::unique_ptr<ServerProcess>& server) { return server->request(toolCall("get_insights")); }
 
-  Json callWith(ScriptedApplication::Behaviour behaviour) {
-    unlink(home.socketPath().c_str());
-    const ScriptedApplication application(home.socketPath(), std::move(behaviour));
+  Json callWith(ScriptedApplication::Script script) {
+    const ScriptedApplication application(home_.socketPath(), std::move(script));
     auto server = start();
     Json response = call(server);
     expectPong(*server);
@@ -42,11 +42,10 @@ std::string answerOfSize(std::size_t bytes) {
 TEST_F(BridgeConnectionTest, NobodyListens) {
   auto server = start();
   expectError(call(server), 1, -32001, notRunning);
-  close(boundSocket(home.socketPath()));  // bound, and left behind
+  leaveStaleSocket(home_.socketPath());
   expectError(call(server), 1, -32001, notRunning);
-  unlink(home.socketPath().c_str());
   {
-    const ScriptedApplication application(home.socketPath(), answerWith("{\"ok\":true}\n"));
+    const ScriptedApplication application(home_.socketPath(), answerWith("{\"ok\":true}\n"));
     EXPECT_EQ(toolResult(call(server)), parseJson("{}"));
   }
   expectError(call(server), 1, -32001, notRunning);
@@ -54,22 +53,22 @@ TEST_F(BridgeConnectionTest, NobodyListens) {
 }
 
 TEST_F(BridgeConnectionTest, OtherConnectFailuresNameTheirError) {
-  writeFile(home.path() + "/Library/Application Support/Orvane", "a file where a directory should be");
+  writeFile(home_.path() + "/Library/Application Support/Orvane", "a file where a directory should be");
   auto server = start();
   expectError(call(server), 1, -32000, "connect() failed: Not a directory (errno 20)");
   expectCleanEnd(*server);
 }
 
 TEST_F(BridgeConnectionTest, APathOf103BytesIsTheLongest) {
-  home.moveToSocketPathLength(103);
+  home_.moveToSocketPathLength(103);
   {
-    const ScriptedApplication application(home.socketPath(), answerWith("{\"ok\":true}\n"));
+    const ScriptedApplication application(home_.socketPath(), answerWith("{\"ok\":true}\n"));
     auto server = start();
     EXPECT_EQ(toolResult(call(server)), parseJson("{}"));
     expectCleanEnd(*server);
   }
-  home.moveToSocketPathLength(104);
-  const ScriptedApplication application(home.socketPath(), answerWith("{\"ok\":true}\n"));
+  home_.moveToSocketPathLength(104);
+  const ScriptedApplication application(home_.socketPath(), answerWith("{\"ok\":true}\n"));
   auto server = start();
   expectError(call(server), 1, -32000, "socket path too long");
   expectCleanEnd(*server);
@@ -77,28 +76,23 @@ TEST_F(BridgeConnectionTest, APathOf103BytesIsTheLongest) {
 }
 
 TEST_F(BridgeConnectionTest, AnApplicationThatClosesAtOnce) {
-  const Json response = callWith([](int connection) {
-    shutdown(connection, SHUT_WR);
-    return readToEnd(connection);
+  const Json response = callWith([](Connection& connection) {
+    shutdown(connection.descriptor(), SHUT_WR);
+    connection.readToEnd();
   });
   expectError(response, 1, -32002, "Malformed response from Orvane: response was not a JSON object");
 }
 
 TEST_F(BridgeConnectionTest, AnApplicationThatClosesUnreadIsAReset) {
-  const Json response = callWith([](int connection) {
-    std::array<char, 1> first;
-    EXPECT_EQ(read(connection, first.data(), 1), 1);  // the rest of the request stays unread, so closing resets
-    return std::string();
+  const Json response = callWith([](Connection& connection) {
+    EXPECT_EQ(connection.readSome(1), "{");  // the rest of the request stays unread, so closing resets
   });
   expectError(response, 1, -32000, "read() failed: Connection reset by peer (errno 104)");
 }
 
 TEST_F(BridgeConnectionTest, AnApplicationThatTakesNoneOfABigRequest) {
-  const ScriptedApplication application(home.socketPath(), [](int connection) {
-    std::array<char, 1> first;
-    EXPECT_EQ(read(connection, first.data(), 1), 1);
-    return std::string();
-  });
+  const ScriptedApplication application(home_.socketPath(),
+                                        [](Connection& connection) { EXPECT_EQ(connection.readSome(1), "{"); });
   auto server = start();
   const std::string big(900000, 'b');
   const Json response = server->request(toolCall("slate_set_frontmatter", "{\"value\":\"" + big + "\"}"));
@@ -112,7 +106,7 @@ TEST_F(BridgeConnectionTest, AnApplicationThatTakesNoneOfABigRequest) {
 }
 
 TEST_F(BridgeConnectionTest, ABigRequestArrivesWhole) {
-  const ScriptedApplication application(home.socketPath(), answerWith("{\"ok\":true}\n"));
+  const ScriptedApplication application(home_.socketPath(), answerWith("{\"ok\":true}\n"));
   auto server = start();
   const std::string big(1048000, 'b');
   EXPECT_EQ(toolResult(server->request(toolCall("get_insights", "{\"v\":\"" + big + "\"}"))), parseJson("{}"));
@@ -132,46 +126,38 @@ TEST_F(BridgeConnectionTest, ResponsesUpToTheLimit) {
 }
 
 TEST_F(BridgeConnectionTest, TheLimitStrikesWithoutWaitingForTheEnd) {
-  const Json response = callWith([](int connection) {
-    std::string request = readToEnd(connection);
-    writeFully(connection, std::string(2 * responseLimit, ' '));
-    std::array<char, 1> none;
-    EXPECT_LE(read(connection, none.data(), 1), 0);  // returns once the program has closed its side
-    return request;
+  const Json response = callWith([](Connection& connection) {
+    connection.readToEnd();
+    connection.send(std::string(2 * responseLimit, ' '));
+    char none = 0;
+    EXPECT_LE(read(connection.descriptor(), &none, 1), 0);  // returns once the program has closed its side
   });
   expectError(response, 1, -32000, "response too large (>1 MiB)");
 }
 
 TEST_F(BridgeConnectionTest, AResponseInManyPieces) {
-  const Json response = callWith([](int connection) {
-    std::string request = readToEnd(connection);
-    for (const char byte : std::string("{\"ok\":true,\"result\":{\"a\":[1,2]}}\n")) {
-      writeFully(connection, std::string(1, byte));
-    }
-    return request;
+  const Json response = callWith([](Connection& connection) {
+    connection.readToEnd();
+    for (const char byte : std::string("{\"ok\":true,\"result\":{\"a\":[1,2]}}\n")) connection.send({&byte, 1});
   });
   EXPECT_EQ(toolResult(response), parseJson(R"({"a":[1,2]})"));
 }
 
 TEST_F(BridgeConnectionTest, ManyFailingCallsLeaveNoDescriptorBehind) {
   auto server = start();
-  const auto count = [&server] {
-    const std::filesystem::directory_iterator begin("/proc/" + std::to_string(server->id()) + "/fd");
-    return std::distance(begin, std::filesystem::directory_iterator());
-  };
   expectError(call(server), 1, -32001, notRunning);
-  const auto before = count();
+  const std::size_t before = server->openDescriptorCount();
   for (int round = 0; round < 2000; ++round) {
     server->send(toolCall("get_insights") + "\n");
     ASSERT_TRUE(server->readLine().has_value());
   }
-  EXPECT_EQ(count(), before);
-  const ScriptedApplication application(home.socketPath(), answerWith("nonsense"));
+  EXPECT_EQ(server->openDescriptorCount(), before);
+  const ScriptedApplication application(home_.socketPath(), answerWith("nonsense"));
   for (int round = 0; round < 500; ++round) {
     server->send(toolCall("get_insights") + "\n");
     ASSERT_TRUE(server->readLine().has_value());
   }
-  EXPECT_EQ(count(), before);
+  EXPECT_EQ(server->openDescriptorCount(), before);
   EXPECT_EQ(application.requests().size(), 500U);
   expectCleanEnd(*server);
 }
@@ -179,7 +165,7 @@ TEST_F(BridgeConnectionTest, ManyFailingCallsLeaveNoDescriptorBehind) {
 // The listener becomes another user before it listens, which is what the peer's identity is taken from.
 TEST_F(BridgeConnectionTest, AnotherUsersListenerIsRefusedBeforeAnythingIsSent) {
   if (getuid() != 0) GTEST_SKIP() << "only root can put another user's listener in place";
-  const int listener = boundSocket(home.socketPath());
+  const int listener = boundSocket(home_.socketPath());
   std::array<int, 2> result{};
   ASSERT_EQ(pipe(result.data()), 0);
   const pid_t peer = fork();
@@ -215,4 +201,4 @@ TEST_F(BridgeConnectionTest, AnotherUsersListenerIsRefusedBeforeAnythingIsSent) 
 }
 
 }  // namespace
-}  // namespace orvane::tests
+}  // namespace orvane::test

@@ -2,15 +2,14 @@
 #include "tests/support/scripted_application.h"
 #include "tests/support/server_test.h"
 
-namespace orvane::tests {
+namespace orvane::test {
 namespace {
 
 class BridgeTest : public ServerTest {
  protected:
   // The answer of a forwarded call when the application behaves like this.
-  Json callWith(ScriptedApplication::Behaviour behaviour) {
-    unlink(home.socketPath().c_str());
-    const ScriptedApplication application(home.socketPath(), std::move(behaviour));
+  Json callWith(ScriptedApplication::Script script) {
+    const ScriptedApplication application(home_.socketPath(), std::move(script));
     auto server = start();
     Json response = server->request(toolCall("set_input_device", R"({"name":"USB Mic"})"));
     expectPong(*server);
@@ -24,8 +23,7 @@ class BridgeTest : public ServerTest {
   // The raw request that a call with these arguments sends.
   std::string requestFor(const std::string& arguments, std::vector<std::string> options = {},
                          std::vector<std::string> environment = {}) {
-    unlink(home.socketPath().c_str());
-    const ScriptedApplication application(home.socketPath(), answerWith("{\"ok\":true}\n"));
+    const ScriptedApplication application(home_.socketPath(), answerWith("{\"ok\":true}\n"));
     auto server = start(std::move(options), std::move(environment));
     EXPECT_EQ(toolResult(server->request(toolCall("set_input_device", arguments))), parseJson("{}"));
     expectCleanEnd(*server);
@@ -80,7 +78,7 @@ TEST_F(BridgeTest, TheAgentNameIsTakenAsItStands) {
 }
 
 TEST_F(BridgeTest, AnAgentNameThatIsNotUtf8CannotBeSent) {
-  const ScriptedApplication application(home.socketPath(), answerWith("{\"ok\":true}\n"));
+  const ScriptedApplication application(home_.socketPath(), answerWith("{\"ok\":true}\n"));
   auto server = start(std::vector<std::string>{"--agent", "a\xff"});
   const Json response = server->request(toolCall("get_insights"));
   const auto& error = response.at("error").as_object();
@@ -167,4 +165,4 @@ TEST_F(BridgeTest, DataIsMergedWithTheCode) {
 }
 
 }  // namespace
-}  // namespace orvane::tests
+}  // namespace orvane::test

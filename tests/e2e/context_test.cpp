@@ -8,7 +8,7 @@
 
 #include "tests/support/server_test.h"
 
-namespace orvane::tests {
+namespace orvane::test {
 namespace {
 
 const std::string preferencesFile = ".config/orvane/preferences.md";
@@ -17,7 +17,7 @@ const std::string logFile = ".config/orvane/mcp-context-reads.jsonl";
 class ContextTest : public ServerTest {
  protected:
   std::string content(const std::string& relativePath) const {
-    std::ifstream stream(home.path() + "/" + relativePath, std::ios::binary);
+    std::ifstream stream(home_.path() + "/" + relativePath, std::ios::binary);
     EXPECT_TRUE(stream) << relativePath;
     return {std::istreambuf_iterator<char>(stream), {}};
   }
@@ -83,13 +83,13 @@ TEST_F(ContextTest, AFilteredOutToolLeavesNoRecord) {
               "Unknown tool: remember_preference");
   expectCleanEnd(*server);
   struct stat status {};
-  EXPECT_NE(stat((home.path() + "/" + logFile).c_str(), &status), 0);
+  EXPECT_NE(stat((home_.path() + "/" + logFile).c_str(), &status), 0);
 }
 
 TEST_F(ContextTest, SeveralServersAppendToOneLogWithoutLosingOrMixingALine) {
   for (const std::size_t count : {2U, 10U}) {
-    home.write(logFile, "");
-    home.write(preferencesFile, "- note\n");
+    home_.write(logFile, "");
+    home_.write(preferencesFile, "- note\n");
     constexpr std::size_t callsEach = 100;
     std::vector<std::unique_ptr<ServerProcess>> servers;
     for (std::size_t i = 0; i < count; ++i) servers.push_back(start());
@@ -104,8 +104,8 @@ TEST_F(ContextTest, SeveralServersAppendToOneLogWithoutLosingOrMixingALine) {
 }
 
 TEST_F(ContextTest, AFIFOWithoutAReaderInPlaceOfTheLogHoldsNothingUp) {
-  home.write(preferencesFile, "- note\n");
-  const std::string path = home.path() + "/" + logFile;
+  home_.write(preferencesFile, "- note\n");
+  const std::string path = home_.path() + "/" + logFile;
   ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
   auto server = start();
   EXPECT_EQ(toolResult(server->request(toolCall("read_preferences"))),
@@ -114,8 +114,8 @@ TEST_F(ContextTest, AFIFOWithoutAReaderInPlaceOfTheLogHoldsNothingUp) {
 }
 
 TEST_F(ContextTest, ALogThatTakesNoDataIsAFailedWrite) {
-  home.write(preferencesFile, "- note\n");
-  ASSERT_EQ(symlink("/dev/full", (home.path() + "/" + logFile).c_str()), 0);
+  home_.write(preferencesFile, "- note\n");
+  ASSERT_EQ(symlink("/dev/full", (home_.path() + "/" + logFile).c_str()), 0);
   auto server = start();
   EXPECT_EQ(toolResult(server->request(toolCall("read_preferences"))),
             parseJson(R"({"content":"- note\n","char_count":7})"));
@@ -123,8 +123,8 @@ TEST_F(ContextTest, ALogThatTakesNoDataIsAFailedWrite) {
 }
 
 TEST_F(ContextTest, AFIFOInPlaceOfThePreferencesIsUnreadable) {
-  home.write(".config/orvane/settings.json", "{}");
-  ASSERT_EQ(mkfifo((home.path() + "/" + preferencesFile).c_str(), 0600), 0);
+  home_.write(".config/orvane/settings.json", "{}");
+  ASSERT_EQ(mkfifo((home_.path() + "/" + preferencesFile).c_str(), 0600), 0);
   auto server = start();
   EXPECT_EQ(toolResult(server->request(toolCall("read_preferences"))).get_object().at("error"),
             Json("could not read preferences"));
@@ -134,4 +134,4 @@ TEST_F(ContextTest, AFIFOInPlaceOfThePreferencesIsUnreadable) {
 }
 
 }  // namespace
-}  // namespace orvane::tests
+}  // namespace orvane::test

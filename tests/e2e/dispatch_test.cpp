@@ -1,7 +1,7 @@
 // Messages and methods: what is answered, with which id, and that the program recovers after each broken line.
 #include "tests/support/server_test.h"
 
-namespace orvane::tests {
+namespace orvane::test {
 namespace {
 
 class DispatchTest : public ServerTest {
@@ -98,7 +98,7 @@ TEST_F(DispatchTest, NotificationsAreNeverAnswered) {
     server->send(std::string(line) + "\n");
     expectPong(*server);
   }
-  EXPECT_NE(access((home.path() + "/.config/orvane/preferences.md").c_str(), F_OK), 0);
+  EXPECT_NE(access((home_.path() + "/.config/orvane/preferences.md").c_str(), F_OK), 0);
 }
 
 TEST_F(DispatchTest, TheLaterOfTwoKeysCounts) {
@@ -202,4 +202,4 @@ TEST_F(DispatchTest, DeepInputNeverEndsTheProgram) {
 }
 
 }  // namespace
-}  // namespace orvane::tests
+}  // namespace orvane::test

@@ -14,19 +14,13 @@
 #include "tests/support/scripted_application.h"
 #include "tests/support/server_test.h"
 
-namespace orvane::tests {
+namespace orvane::test {
 namespace {
 
 const std::string answer = R"({"ok":true,"result":{"n":1}})";
 
 class HostileTest : public ServerTest {
  protected:
-  // Counted once the home directory has been looked up, for which the tests' user database stays open.
-  static auto descriptorCount(const ServerProcess& server) {
-    const std::filesystem::directory_iterator begin("/proc/" + std::to_string(server.id()) + "/fd");
-    return std::distance(begin, std::filesystem::directory_iterator());
-  }
-
   static int errorCode(const Json& response) {
     const Json* error = response.get_object().if_contains("error");
     return error == nullptr ? 0 : static_cast<int>(error->at("code").as_int64());
@@ -34,13 +28,12 @@ class HostileTest : public ServerTest {
 };
 
 TEST_F(HostileTest, AnApplicationThatTricklesItsAnswer) {
-  const ScriptedApplication application(home.socketPath(), [](int connection) {
-    std::string request = readToEnd(connection);
+  const ScriptedApplication application(home_.socketPath(), [](Connection& connection) {
+    connection.readToEnd();
     for (const char byte : answer) {
-      writeFully(connection, std::string(1, byte));
+      connection.send({&byte, 1});
       usleep(10000);
     }
-    return request;
   });
   auto server = start();
   EXPECT_EQ(toolResult(server->request(toolCall("get_insights"))), parseJson(R"({"n":1})"));
@@ -49,11 +42,9 @@ TEST_F(HostileTest, AnApplicationThatTricklesItsAnswer) {
 
 // The answer comes before the request is whole. Whether the program still gets to see it depends on who is quicker.
 TEST_F(HostileTest, AnApplicationThatAnswersBeforeItHasRead) {
-  const ScriptedApplication application(home.socketPath(), [](int connection) {
-    writeFully(connection, answer);
-    std::array<char, 1> first;
-    EXPECT_EQ(read(connection, first.data(), 1), 1);
-    return std::string();
+  const ScriptedApplication application(home_.socketPath(), [](Connection& connection) {
+    connection.send(answer);
+    EXPECT_EQ(connection.readSome(1), "{");
   });
   auto server = start();
   for (int round = 0; round < 50; ++round) {
@@ -66,10 +57,10 @@ TEST_F(HostileTest, AnApplicationThatAnswersBeforeItHasRead) {
 }
 
 TEST_F(HostileTest, AnApplicationThatAnswersInFullAndReadsLater) {
-  const ScriptedApplication application(home.socketPath(), [](int connection) {
-    writeFully(connection, answer);
-    shutdown(connection, SHUT_WR);
-    return readToEnd(connection);
+  const ScriptedApplication application(home_.socketPath(), [](Connection& connection) {
+    connection.send(answer);
+    shutdown(connection.descriptor(), SHUT_WR);
+    connection.readToEnd();
   });
   auto server = start();
   const std::string big(900000, 'b');
@@ -78,20 +69,19 @@ TEST_F(HostileTest, AnApplicationThatAnswersInFullAndReadsLater) {
 }
 
 TEST_F(HostileTest, AnApplicationThatFloods) {
-  const ScriptedApplication application(home.socketPath(), [](int connection) {
-    std::string request = readToEnd(connection);
+  const ScriptedApplication application(home_.socketPath(), [](Connection& connection) {
+    connection.readToEnd();
     const std::string flood(65536, '[');
-    while (::send(connection, flood.data(), flood.size(), MSG_NOSIGNAL) > 0) {
+    while (connection.send(flood)) {
     }
-    return request;
   });
   auto server = start();
   server->request(toolCall("get_insights"));
-  const auto before = descriptorCount(*server);
+  const std::size_t before = server->openDescriptorCount();
   for (int round = 0; round < 50; ++round) {
     expectError(server->request(toolCall("get_insights")), 1, -32000, "response too large (>1 MiB)");
   }
-  EXPECT_EQ(descriptorCount(*server), before);
+  EXPECT_EQ(server->openDescriptorCount(), before);
   expectCleanEnd(*server);
 }
 
@@ -100,12 +90,10 @@ TEST_F(HostileTest, AnApplicationThatBreaksOffAtEveryPoint) {
   const std::string line = toolCall("get_insights", R"({"a":"b"})");
   std::atomic<std::size_t> requestBytes = 0;
   std::atomic<std::size_t> answerBytes = 0;
-  const ScriptedApplication application(home.socketPath(), [&](int connection) {
-    std::string request;
-    std::array<char, 1> byte;
-    while (request.size() < requestBytes && read(connection, byte.data(), 1) == 1) request += byte[0];
-    writeFully(connection, answer.substr(0, answerBytes));
-    return request;
+  const ScriptedApplication application(home_.socketPath(), [&](Connection& connection) {
+    while (connection.received().size() < requestBytes && !connection.readSome(1).empty()) {
+    }
+    connection.send(answer.substr(0, answerBytes));
   });
   auto server = start();
 
@@ -113,7 +101,7 @@ TEST_F(HostileTest, AnApplicationThatBreaksOffAtEveryPoint) {
   // program.
   requestBytes = 100000;
   ASSERT_EQ(errorCode(server->request(line)), -32002);
-  const auto before = descriptorCount(*server);
+  const std::size_t before = server->openDescriptorCount();
   const std::size_t wholeRequest = application.requests().back().size();
   for (requestBytes = 0; requestBytes < wholeRequest; ++requestBytes) {
     EXPECT_EQ(errorCode(server->request(line)), -32000) << requestBytes.load() << " bytes of the request";
@@ -123,25 +111,24 @@ TEST_F(HostileTest, AnApplicationThatBreaksOffAtEveryPoint) {
     EXPECT_EQ(errorCode(server->request(line)), -32002) << answerBytes.load() << " bytes of the answer";
   }
   EXPECT_EQ(toolResult(server->request(line)), parseJson(R"({"n":1})"));
-  EXPECT_EQ(descriptorCount(*server), before);
+  EXPECT_EQ(server->openDescriptorCount(), before);
   expectCleanEnd(*server);
 }
 
 TEST_F(HostileTest, AnApplicationThatIsRestartedAThousandTimes) {
   auto server = start();
   ASSERT_EQ(errorCode(server->request(toolCall("get_insights"))), -32001);
-  const auto before = descriptorCount(*server);
+  const std::size_t before = server->openDescriptorCount();
   for (int round = 0; round < 1000; ++round) {
     {
-      const ScriptedApplication application(home.socketPath(), answerWith(answer));
+      const ScriptedApplication application(home_.socketPath(), answerWith(answer));
       ASSERT_EQ(errorCode(server->request(toolCall("get_insights"))), 0) << round;
     }
     // Every other time the socket file is left behind, as by a crash.
-    if (round % 2 == 0) unlink(home.socketPath().c_str());
+    if (round % 2 == 0) unlink(home_.socketPath().c_str());
     ASSERT_EQ(errorCode(server->request(toolCall("get_insights"))), -32001) << round;
-    unlink(home.socketPath().c_str());
   }
-  EXPECT_EQ(descriptorCount(*server), before);
+  EXPECT_EQ(server->openDescriptorCount(), before);
   expectCleanEnd(*server);
 }
 
@@ -177,7 +164,7 @@ TEST_F(HostileTest, AClientThatVanishesInTheMiddleOfAnAnswer) {
 TEST_F(HostileTest, AHundredThousandRequestsInOneBurst) {
   auto server = start();
   expectPong(*server);
-  const auto before = descriptorCount(*server);
+  const std::size_t before = server->openDescriptorCount();
   constexpr int count = 100000;
   std::string burst;
   for (int id = 0; id < count; ++id) {
@@ -188,9 +175,9 @@ TEST_F(HostileTest, AHundredThousandRequestsInOneBurst) {
     const std::optional<std::string> line = server->readLine();
     ASSERT_EQ(line, R"({"jsonrpc":"2.0","id":)" + std::to_string(id) + R"(,"result":{}})");
   }
-  EXPECT_EQ(descriptorCount(*server), before);
+  EXPECT_EQ(server->openDescriptorCount(), before);
   expectCleanEnd(*server);
 }
 
 }  // namespace
-}  // namespace orvane::tests
+}  // namespace orvane::test

@@ -5,7 +5,7 @@
 
 #include "tests/support/server_test.h"
 
-namespace orvane::tests {
+namespace orvane::test {
 namespace {
 
 struct Row {
@@ -160,7 +160,7 @@ TEST_F(RegistryTest, TheConfigurationNoticeIsOnFourTools) {
       "reaching past the app to edit files.\n\nFor user-facing explanations of every Orvane feature (when to use it, "
       "what "
       "each setting does, gotchas), the index lives at: " +
-      home.path() + "/Library/Application Support/Orvane/docs/INDEX.md";
+      home_.path() + "/Library/Application Support/Orvane/docs/INDEX.md";
   const std::set<std::string> bearers{"current_settings", "list_augments", "list_dictionary", "orvane_version"};
   auto server = start();
   const Json response = server->request(R"({"id":1,"method":"tools/list"})");
@@ -188,4 +188,4 @@ TEST_F(RegistryTest, AFilteredToolIsUnknown) {
 }
 
 }  // namespace
-}  // namespace orvane::tests
+}  // namespace orvane::test

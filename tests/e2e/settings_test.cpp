@@ -3,7 +3,7 @@
 
 #include "tests/support/server_test.h"
 
-namespace orvane::tests {
+namespace orvane::test {
 namespace {
 
 const std::string settingsFile = ".config/orvane/settings.json";
@@ -24,7 +24,7 @@ class SettingsTest : public ServerTest {
 
   // The snapshot with this file, compared with the defaults changed by `changes`.
   void expectChanges(const std::string& file, const std::string& changes) {
-    home.write(settingsFile, file);
+    home_.write(settingsFile, file);
     Json expected = parseJson(defaults);
     const Json changed = parseJson(changes);
     for (const auto& member : changed.get_object()) {
@@ -46,7 +46,7 @@ TEST_F(SettingsTest, WhatIsNoObjectGivesDefaults) {
 }
 
 TEST_F(SettingsTest, ADirectoryInItsPlaceGivesDefaults) {
-  home.write(settingsFile + "/inside", "x");
+  home_.write(settingsFile + "/inside", "x");
   EXPECT_EQ(snapshot(), parseJson(defaults));
 }
 
@@ -117,4 +117,4 @@ TEST_F(SettingsTest, TheFileIsReadOnEveryCall) {
 }
 
 }  // namespace
-}  // namespace orvane::tests
+}  // namespace orvane::test

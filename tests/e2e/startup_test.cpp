@@ -4,7 +4,7 @@
 #include "tests/support/server_test.h"
 #include "tests/support/tool_count.h"
 
-namespace orvane::tests {
+namespace orvane::test {
 namespace {
 
 using ::testing::Contains;
@@ -101,4 +101,4 @@ TEST_F(StartupTest, NothingElseOfTheEnvironmentMatters) {
 }
 
 }  // namespace
-}  // namespace orvane::tests
+}  // namespace orvane::test

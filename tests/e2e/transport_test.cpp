@@ -7,7 +7,7 @@
 #include "tests/support/scripted_application.h"
 #include "tests/support/server_test.h"
 
-namespace orvane::tests {
+namespace orvane::test {
 namespace {
 
 constexpr std::size_t lineLimit = 1048576;
@@ -198,12 +198,11 @@ TEST_P(SlowReaderTest, ARequestMayArriveByteByByte) {
 TEST_P(SlowReaderTest, NothingBeyondTheLineIsTaken) {
   std::promise<void> arrived;
   std::promise<void> goOn;
-  const ScriptedApplication application(home.socketPath(), [&](int connection) {
-    std::string request = readToEnd(connection);
+  const ScriptedApplication application(home_.socketPath(), [&](Connection& connection) {
+    connection.readToEnd();
     arrived.set_value();
     goOn.get_future().wait();
-    writeFully(connection, "{\"ok\":true,\"result\":{}}\n");
-    return request;
+    connection.send("{\"ok\":true,\"result\":{}}\n");
   });
   Launch launch;
   launch.socketPairs = GetParam().first;
@@ -242,4 +241,4 @@ TEST_F(TransportTest, TheExitStatusIsZeroWhateverCameBefore) {
 }
 
 }  // namespace
-}  // namespace orvane::tests
+}  // namespace orvane::test

@@ -1,16 +1,17 @@
 // The version look-up, with copies of the program in made-up bundles.
 #include <filesystem>
 
+#include "tests/support/file_content.h"
 #include "tests/support/server_test.h"
 
-namespace orvane::tests {
+namespace orvane::test {
 namespace {
 
 namespace fs = std::filesystem;
 
 class VersionTest : public ServerTest {
  protected:
-  std::string place(const std::string& path) const { return home.root() + "/" + path; }
+  std::string place(const std::string& path) const { return home_.root() + "/" + path; }
 
   std::string copyProgram(const std::string& path) const {
     fs::create_directories(fs::path(place(path)).parent_path());
@@ -128,4 +129,4 @@ TEST_F(VersionTest, TheFirstAnswerIsKept) {
 }
 
 }  // namespace
-}  // namespace orvane::tests
+}  // namespace orvane::test

@@ -12,7 +12,7 @@
 #include "tests/faults/faulty_session.h"
 #include "tests/support/independent_json.h"
 
-namespace orvane::tests {
+namespace orvane::test {
 namespace {
 
 constexpr int shortTransfer = -1;
@@ -60,7 +60,7 @@ class FaultTest : public ::testing::Test {
       ASSERT_GE(id, next) << "answered twice or out of order";
       next = id + 1;
     }
-    const int unanswered = session.requestCount() + 1 - next;
+    const int unanswered = session_.requestCount() + 1 - next;
     EXPECT_LE(nameless, 1);
     EXPECT_LE(lost + (price.mayEndEarly ? 0 : unanswered), nameless + (price.mayLoseOne ? 1 : 0))
         << outcome.output.size();
@@ -102,14 +102,14 @@ class FaultTest : public ::testing::Test {
 
   // A fault that costs nothing: everything is as without it.
   void checkUnchanged(const FaultyOutcome& outcome) {
-    EXPECT_TRUE(outcome.output == undisturbed.output) << "other answers than without the fault";
-    EXPECT_EQ(outcome.preferences, undisturbed.preferences);
+    EXPECT_TRUE(outcome.output == undisturbed_.output) << "other answers than without the fault";
+    EXPECT_EQ(outcome.preferences, undisturbed_.preferences);
     EXPECT_EQ(linesOf(outcome.auditLog).size(), 4U);
-    EXPECT_EQ(outcome.errors, undisturbed.errors);
+    EXPECT_EQ(outcome.errors, undisturbed_.errors);
   }
 
-  FaultySession session;
-  const FaultyOutcome undisturbed = session.run("read:-1:0");
+  FaultySession session_;
+  const FaultyOutcome undisturbed_ = session_.run("read:-1:0");
 };
 
 // A function, the kinds of fault it meets, and the input it is tried on.
@@ -148,13 +148,13 @@ class EveryCallTest : public FaultTest, public ::testing::WithParamInterface<Swe
 TEST_P(EveryCallTest, CostsNoMoreThanItMust) {
   const Sweep& sweep = GetParam();
   const std::string function = sweep.function;
-  const long calls = session.run(function + ":-1:0", sweep.input).calls;
+  const long calls = session_.run(function + ":-1:0", sweep.input).calls;
   ASSERT_GT(calls, 0) << "the session never calls it";
   for (const int kind : sweep.kinds) {
     for (long call = 1; call <= calls; ++call) {
       const std::string fault = function + ":" + std::to_string(call) + ":" + kindName(kind);
       SCOPED_TRACE(fault);
-      const FaultyOutcome outcome = session.run(fault, sweep.input);
+      const FaultyOutcome outcome = session_.run(fault, sweep.input);
       check(outcome, priceOf(function, kind, outcome.hitDescriptor));
       if (isHarmless(function, kind)) checkUnchanged(outcome);
       if (HasFailure()) return;
@@ -176,7 +176,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(FaultTest, TransfersOfOneByteCostNothing) {
   for (const char* function : {"read", "tee", "writev", "write", "send"}) {
     SCOPED_TRACE(function);
-    const FaultyOutcome outcome = session.run(std::string(function) + ":0:short");
+    const FaultyOutcome outcome = session_.run(std::string(function) + ":0:short");
     check(outcome, {});
     checkUnchanged(outcome);
   }
@@ -188,7 +188,7 @@ TEST_F(FaultTest, AWaitThatIsInterruptedGoesOnAndOneThatFailsEndsByARule) {
     for (const int kind : errorKinds) {
       const std::string faults = "poll:1:" + kindName(kind) + "," + cause;
       SCOPED_TRACE(faults);
-      const FaultyOutcome outcome = session.run(faults);
+      const FaultyOutcome outcome = session_.run(faults);
       EXPECT_NE(outcome.hitDescriptor, -1) << "the program did not wait";
       Price price;
       price.mayEndEarly = kind != EINTR && outcome.hitDescriptor == 0;
@@ -200,4 +200,4 @@ TEST_F(FaultTest, AWaitThatIsInterruptedGoesOnAndOneThatFailsEndsByARule) {
 }
 
 }  // namespace
-}  // namespace orvane::tests
+}  // namespace orvane::test

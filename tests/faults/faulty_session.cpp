@@ -18,7 +18,7 @@
 #include "tests/support/child_environment.h"
 #include "tests/support/server_process.h"
 
-namespace orvane::tests {
+namespace orvane::test {
 
 namespace {
 
@@ -117,10 +117,10 @@ bool waitFor(pid_t child, int& status) {
 
 }  // namespace
 
-FaultySession::FaultySession() : application(home.socketPath(), answerWith("{\"ok\":true,\"result\":{\"n\":1}}\n")) {
-  home.write(".config/orvane/settings.json", R"({"assistantBackend":"local","dictationHotkey":{"name":"f5"}})");
-  home.write(".config/orvane/replacements.txt", "[replacements]\nomw -> on my way\n");
-  home.write(".config/orvane/augments/mine.md", "---\nname: Mine\n---\n");
+FaultySession::FaultySession() : application_(home_.socketPath(), answerWith("{\"ok\":true,\"result\":{\"n\":1}}\n")) {
+  home_.write(".config/orvane/settings.json", R"({"assistantBackend":"local","dictationHotkey":{"name":"f5"}})");
+  home_.write(".config/orvane/replacements.txt", "[replacements]\nomw -> on my way\n");
+  home_.write(".config/orvane/augments/mine.md", "---\nname: Mine\n---\n");
 }
 
 int FaultySession::requestCount() const { return static_cast<int>(sessionLines().size()); }
@@ -133,9 +133,9 @@ const std::vector<FaultySession::Note>& FaultySession::notes() {
 }
 
 FaultyOutcome FaultySession::run(const std::string& faults, InputKind kind) {
-  const std::string configuration = home.path() + "/.config/orvane";
-  const std::string report = home.root() + "/report";
-  home.write(".config/orvane/preferences.md", std::string(oldPreferences()));
+  const std::string configuration = home_.path() + "/.config/orvane";
+  const std::string report = home_.root() + "/report";
+  home_.write(".config/orvane/preferences.md", std::string(oldPreferences()));
   std::filesystem::remove(configuration + "/mcp-context-reads.jsonl");
   std::filesystem::remove(report);
 
@@ -143,7 +143,7 @@ FaultyOutcome FaultySession::run(const std::string& faults, InputKind kind) {
   launch.preload = {ORVANE_FAULT_LIBRARY};
   launch.environment = {"FAULTS=" + faults, "FAULT_REPORT=" + report, "ORV_MCP_AUDIBLE=0"};
   std::vector<std::string> arguments{launch.program};
-  std::vector<std::string> environment = childEnvironment(home, launch);
+  std::vector<std::string> environment = childEnvironment(home_, launch);
   std::vector<char*> argumentPointers = pointersTo(arguments);
   std::vector<char*> environmentPointers = pointersTo(environment);
   const int input = inputOf(kind);
@@ -171,7 +171,7 @@ FaultyOutcome FaultySession::run(const std::string& faults, InputKind kind) {
 }
 
 void FaultySession::collectFiles(FaultyOutcome& outcome) const {
-  const std::string configuration = home.path() + "/.config/orvane";
+  const std::string configuration = home_.path() + "/.config/orvane";
   outcome.preferences = wholeFile(configuration + "/preferences.md");
   outcome.auditLog = wholeFile(configuration + "/mcp-context-reads.jsonl");
   for (const auto& entry : std::filesystem::directory_iterator(configuration)) {
@@ -184,4 +184,4 @@ void FaultySession::collectFiles(FaultyOutcome& outcome) const {
   }
 }
 
-}  // namespace orvane::tests
+}  // namespace orvane::test

@@ -8,7 +8,7 @@
 #include "tests/support/private_home.h"
 #include "tests/support/scripted_application.h"
 
-namespace orvane::tests {
+namespace orvane::test {
 
 /// What the program's standard input is.
 enum class InputKind { pipe, socket, file };
@@ -47,8 +47,8 @@ class FaultySession {
  private:
   void collectFiles(FaultyOutcome& outcome) const;
 
-  PrivateHome home;
-  ScriptedApplication application;
+  PrivateHome home_;
+  ScriptedApplication application_;
 };
 
-}  // namespace orvane::tests
+}  // namespace orvane::test

@@ -11,7 +11,7 @@
 #include "tests/support/scripted_application.h"
 #include "tests/support/server_test.h"
 
-namespace orvane::tests {
+namespace orvane::test {
 namespace {
 
 class PrivilegeTest : public ServerTest {
@@ -35,18 +35,18 @@ class PrivilegeTest : public ServerTest {
     return launch;
   }
 
-  std::string traceFile() const { return home.root() + "/trace"; }
+  std::string traceFile() const { return home_.root() + "/trace"; }
 
   // A path without what differs from machine to machine and from run to run.
   std::string generalised(std::string path) const {
     static const std::regex temporary(R"(/\.orvane-mcp\.[0-9]+-[0-9a-f]{16}\.tmp$)");
     static const std::regex library(R"(^(/usr)?/lib(64)?/.*|^/etc/ld\.so\..*)");
     const std::string program = ORVANE_MCP_PROGRAM;
-    if (path.starts_with(home.path())) {
-      path.replace(0, home.path().size(), "~");
+    if (path.starts_with(home_.path())) {
+      path.replace(0, home_.path().size(), "~");
       return std::regex_replace(path, temporary, "/<temporary file>");
     }
-    if (path.starts_with(home.root() + "/")) return "<the tests' user database>";
+    if (path.starts_with(home_.root() + "/")) return "<the tests' user database>";
     if (std::regex_match(path, library)) return "<system library>";
     if (path == program) return "<program>";
     if (path.ends_with("/VERSION")) return "VERSION of the application or beside or above the program";
@@ -99,10 +99,10 @@ class PrivilegeTest : public ServerTest {
 };
 
 TEST_F(PrivilegeTest, TheProgramAsksForNothingElse) {
-  const ScriptedApplication application(home.socketPath(), answerWith(R"({"ok":true,"result":{}})"));
-  home.write(".config/orvane/settings.json", "{}");
-  home.write(".config/orvane/replacements.txt", "[fillers]\num\n");
-  home.write(".config/orvane/augments/mine.md", "---\n---");
+  const ScriptedApplication application(home_.socketPath(), answerWith(R"({"ok":true,"result":{}})"));
+  home_.write(".config/orvane/settings.json", "{}");
+  home_.write(".config/orvane/replacements.txt", "[fillers]\num\n");
+  home_.write(".config/orvane/augments/mine.md", "---\n---");
   auto server = start(traced());
   server->request(R"({"id":1,"method":"initialize"})");
   for (const std::string& name : toolNames(*server)) {
@@ -127,4 +127,4 @@ TEST_F(PrivilegeTest, TheProgramAsksForNothingElse) {
 }
 
 }  // namespace
-}  // namespace orvane::tests
+}  // namespace orvane::test

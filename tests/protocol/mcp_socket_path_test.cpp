@@ -10,22 +10,22 @@
 namespace orvane {
 namespace {
 
+using test::FakeHome;
 using test::fakePlatform;
-using test::PrivateHome;
 
 TEST(MCPSocketPathTest, LiesUnderThePlatformsApplicationSupport) {
-  const PrivateHome home;
+  const FakeHome home;
   fakePlatform().applicationSupport = "/Users/someone/Library/Application Support";
   EXPECT_EQ(MCPSocketPath::resolve(), "/Users/someone/Library/Application Support/Orvane/mcp.sock");
 }
 
 TEST(MCPSocketPathTest, LiesUnderTheHomeWhereThereIsNone) {
-  const PrivateHome home;
+  const FakeHome home;
   EXPECT_EQ(MCPSocketPath::resolve(), home.file("Library/Application Support/Orvane/mcp.sock"));
 }
 
 TEST(MCPSocketPathTest, IsLookedUpAfreshEachTime) {
-  const PrivateHome home;
+  const FakeHome home;
   fakePlatform().home = "/one";
   EXPECT_EQ(MCPSocketPath::resolve(), "/one/Library/Application Support/Orvane/mcp.sock");
   fakePlatform().home = "/two";
@@ -35,7 +35,7 @@ TEST(MCPSocketPathTest, IsLookedUpAfreshEachTime) {
 }
 
 TEST(MCPSocketPathTest, NoEnvironmentVariableOverridesIt) {
-  const PrivateHome home;
+  const FakeHome home;
   const std::string before = MCPSocketPath::resolve();
   for (const char* name :
        {"ORVANE_SOCKET", "ORVANE_MCP_SOCKET", "MCP_SOCKET_PATH", "XDG_RUNTIME_DIR", "XDG_DATA_HOME"}) {

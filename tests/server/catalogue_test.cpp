@@ -67,7 +67,7 @@ TEST(MCPToolsetSetTest, HoldsWhatWasPutIn) {
 }
 
 TEST(CatalogueTest, HoldsEveryToolAndNoOtherName) {
-  ASSERT_EQ(allTools().size(), tests::toolCount);
+  ASSERT_EQ(allTools().size(), test::toolCount);
   for (const ToolHandle& tool : allTools()) EXPECT_NE(catalogueEntry(tool.name), nullptr) << tool.name;
   for (const char* name : {"", "Speak", "speak ", "list_replacements", "set_settings"}) {
     EXPECT_EQ(catalogueEntry(name), nullptr) << name;

@@ -5,21 +5,21 @@
 
 #include "core/rpc_error.h"
 #include "core/startup_values.h"
+#include "tests/support/bridge_call.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/json_text.h"
-#include "tests/support/scripted_peer.h"
 #include "tests/support/server_run.h"
 #include "tools/local/version.h"
 
 namespace orvane {
 namespace {
 
-using test::AnsweringPeer;
 using test::answerTo;
+using test::applicationAnswering;
 using test::canonical;
+using test::FakeHome;
 using test::fakePlatform;
 using test::handleOneLine;
-using test::PrivateHome;
 
 std::string resultFor(std::string_view id, std::string_view result) {
   return canonical(R"({"jsonrpc":"2.0","id":)" + std::string(id) + R"(,"result":)" + std::string(result) + "}");
@@ -56,7 +56,7 @@ class DispatcherTest : public testing::Test {
     return *item.find("text")->asString();
   }
 
-  PrivateHome home_;
+  FakeHome home_;
 };
 
 TEST_F(DispatcherTest, WhatIsNoObjectIsAParseError) {
@@ -81,7 +81,7 @@ TEST_F(DispatcherTest, IdsAreEchoedExactly) {
 }
 
 TEST_F(DispatcherTest, WithoutAnIdNothingRunsAndNothingIsWritten) {
-  const AnsweringPeer peer(R"({"ok":true})");
+  const auto application = applicationAnswering(R"({"ok":true})");
   for (const char* line :
        {R"({"jsonrpc":"2.0","method":"ping"})", R"({"jsonrpc":"2.0","id":null,"method":"ping"})", "{}",
         R"({"id":null})", R"({"method":"notifications/initialized"})", R"({"method":"no such method"})",
@@ -92,7 +92,7 @@ TEST_F(DispatcherTest, WithoutAnIdNothingRunsAndNothingIsWritten) {
     EXPECT_EQ(result.output, "") << line;
     EXPECT_EQ(result.diagnostics, "") << line;
   }
-  EXPECT_EQ(peer.connectionCount(), 0);
+  EXPECT_EQ(application.connectionCount(), 0);
 }
 
 TEST_F(DispatcherTest, TheVersionMemberIsNotLookedAt) {
@@ -162,30 +162,31 @@ TEST_F(DispatcherTest, UnknownToolsAreNamedUnchanged) {
 }
 
 TEST_F(DispatcherTest, ArgumentsThatAreNoObjectAreNone) {
-  const AnsweringPeer peer(R"({"ok":true})");
+  const auto application = applicationAnswering(R"({"ok":true})");
   std::size_t calls = 0;
   for (const char* arguments : {"", R"(,"arguments":null)", R"(,"arguments":[1,2])", R"(,"arguments":"x")",
                                 R"(,"arguments":5)", R"(,"arguments":{})"}) {
     EXPECT_EQ(toolText(R"({"id":1,"method":"tools/call","params":{"name":"speak")" + std::string(arguments) + "}}"),
               "{}");
-    ASSERT_EQ(peer.requests().size(), ++calls);
-    EXPECT_EQ(canonical(peer.requests().back()), canonical(R"({"method":"speak","args":{}})")) << arguments;
+    ASSERT_EQ(application.requests().size(), ++calls);
+    EXPECT_EQ(canonical(application.requests().back()), canonical(R"({"method":"speak","args":{}})")) << arguments;
   }
 }
 
 TEST_F(DispatcherTest, ArgumentsReachTheApplicationAndTheResultComesBackSortedWithPlainSlashes) {
-  const AnsweringPeer peer(R"({"ok":true,"result":{"z":"a\/b","a":[1.50,{"d":null,"c":1180591620717411303424}]}})");
+  const auto application =
+      applicationAnswering(R"({"ok":true,"result":{"z":"a\/b","a":[1.50,{"d":null,"c":1180591620717411303424}]}})");
   const std::string text = toolText(
       R"({"id":1,"method":"tools/call","params":{"name":"speak","arguments":{"text":"x/y","n":1.50,"_agent":"forged"}}})");
   EXPECT_EQ(text, canonical(R"({"a":[1.50,{"c":1180591620717411303424,"d":null}],"z":"a/b"})"));
   EXPECT_LT(text.find("\"a\""), text.find("\"z\""));
   EXPECT_NE(text.find("a/b"), std::string::npos);
   EXPECT_NE(text.find('\n'), std::string::npos);
-  EXPECT_EQ(canonical(peer.requests().at(0)), canonical(R"({"method":"speak","args":{"text":"x/y","n":1.50}})"));
+  EXPECT_EQ(canonical(application.requests().at(0)), canonical(R"({"method":"speak","args":{"text":"x/y","n":1.50}})"));
 }
 
 TEST_F(DispatcherTest, ResultsThatSpeakOfErrorsAreResults) {
-  const AnsweringPeer peer(R"({"ok":true,"result":{"error":"refused","isError":true}})");
+  const auto application = applicationAnswering(R"({"ok":true,"result":{"error":"refused","isError":true}})");
   EXPECT_EQ(toolText(R"({"id":1,"method":"tools/call","params":{"name":"speak"}})"),
             canonical(R"({"error":"refused","isError":true})"));
 }
@@ -193,11 +194,11 @@ TEST_F(DispatcherTest, ResultsThatSpeakOfErrorsAreResults) {
 TEST_F(DispatcherTest, AnArrayIsAResultAndABareScalarIsNot) {
   const std::string call = R"({"id":9,"method":"tools/call","params":{"name":"get_slate"}})";
   {
-    const AnsweringPeer peer(R"({"ok":true,"result":[]})");
+    const auto application = applicationAnswering(R"({"ok":true,"result":[]})");
     EXPECT_EQ(toolText(call), "[]");
   }
   for (const char* result : {"5", "null", "true", "\"text\"", "1.5"}) {
-    const AnsweringPeer peer(R"({"ok":true,"result":)" + std::string(result) + "}");
+    const auto application = applicationAnswering(R"({"ok":true,"result":)" + std::string(result) + "}");
     const JSON::Object message = test::parsedObject(answerTo(call));
     ASSERT_NE(message.find("error"), nullptr) << result;
     EXPECT_EQ(message.find("result"), nullptr);
@@ -213,13 +214,14 @@ TEST_F(DispatcherTest, AnArrayIsAResultAndABareScalarIsNot) {
 TEST_F(DispatcherTest, TheBridgesErrorsKeepCodeMessageAndData) {
   const std::string call = R"({"id":1,"method":"tools/call","params":{"name":"get_slate"}})";
   EXPECT_EQ(answerTo(call), errorFor("1", -32001, "Orvane app is not running — open the app and try again."));
-  const AnsweringPeer peer(R"({"error":{"code":"consent_denied","message":"a/b\n","data":{"x":1.50}}})");
+  const auto application =
+      applicationAnswering(R"({"error":{"code":"consent_denied","message":"a/b\n","data":{"x":1.50}}})");
   EXPECT_EQ(answerTo(call), canonical(R"({"jsonrpc":"2.0","id":1,"error":{"code":-32012,"message":"a/b\n",
                                           "data":{"x":1.50,"code":"consent_denied"}}})"));
 }
 
 TEST_F(DispatcherTest, ARequestThatCannotBeEncodedIsAnInternalError) {
-  const AnsweringPeer peer(R"({"ok":true})");
+  const auto application = applicationAnswering(R"({"ok":true})");
   setStartupValues({"\xFF", false});
   const JSON::Object message =
       test::parsedObject(answerTo(R"({"id":1,"method":"tools/call","params":{"name":"speak"}})"));

@@ -18,8 +18,8 @@ namespace orvane {
 namespace {
 
 using enum MCPToolset;
+using test::FakeHome;
 using test::fakePlatform;
-using test::PrivateHome;
 using Names = std::vector<std::string>;
 
 constexpr MCPToolsetSet everything = MCPToolsetSet::all();
@@ -36,14 +36,14 @@ Names namesFor(bool launchedByAssistant, MCPToolsetSet toolsets, bool readOnly) 
 
 class ToolRegistryTest : public testing::Test {
  protected:
-  PrivateHome home_;
+  FakeHome home_;
 };
 
 TEST_F(ToolRegistryTest, ByDefaultAllAreListedInAscendingOrder) {
   const Names names = namesFor(false, everything, false);
-  EXPECT_EQ(names.size(), tests::toolCount);
+  EXPECT_EQ(names.size(), test::toolCount);
   EXPECT_TRUE(std::is_sorted(names.begin(), names.end()));
-  EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(), tests::toolCount);
+  EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(), test::toolCount);
 }
 
 TEST_F(ToolRegistryTest, ReadOnlyLeavesTheSixteenThatRead) {
@@ -67,7 +67,7 @@ TEST_F(ToolRegistryTest, OneSharedToolsetIsEnough) {
 TEST_F(ToolRegistryTest, TheAssistantIsNotOfferedSpeech) {
   EXPECT_EQ(namesFor(true, {voice}, false), (Names{"list_tts_voices"}));
   const Names names = namesFor(true, everything, false);
-  EXPECT_EQ(names.size(), tests::toolCount - 1);
+  EXPECT_EQ(names.size(), test::toolCount - 1);
   EXPECT_EQ(std::count(names.begin(), names.end(), "speak"), 0);
 }
 

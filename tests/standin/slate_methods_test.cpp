@@ -7,7 +7,7 @@ namespace {
 using SlateMethods = StandinTest;
 
 TEST_F(SlateMethods, SavesOnlyWhatIsOpenAndNotEmpty) {
-  test::PrivateHome home;
+  test::FakeHome home;
   EXPECT_EQ(refusal("slate_save"), "validation_failed: the slate window is not open");
   EXPECT_TRUE(flagIn(call("slate_open"), "open"));
   EXPECT_EQ(textIn(call("slate_save"), "path"), home.file("Documents/Vault/Launch brief.md"));

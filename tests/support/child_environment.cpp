@@ -8,7 +8,7 @@
 #endif
 #endif
 
-namespace orvane::tests {
+namespace orvane::test {
 
 namespace {
 
@@ -55,4 +55,4 @@ std::vector<std::string> childEnvironment(const PrivateHome& home, const Launch&
   return environment;
 }
 
-}  // namespace orvane::tests
+}  // namespace orvane::test

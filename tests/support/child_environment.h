@@ -6,9 +6,9 @@
 
 #include "tests/support/server_process.h"
 
-namespace orvane::tests {
+namespace orvane::test {
 
 /// The whole environment of the child, as NAME=value.
 std::vector<std::string> childEnvironment(const PrivateHome& home, const Launch& launch);
 
-}  // namespace orvane::tests
+}  // namespace orvane::test

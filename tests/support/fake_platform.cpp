@@ -1,16 +1,10 @@
 #include "tests/support/fake_platform.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <mutex>
 
 namespace orvane::test {
 
@@ -19,7 +13,7 @@ FakePlatform& fakePlatform() {
   return platform;
 }
 
-PrivateHome::PrivateHome() {
+FakeHome::FakeHome() {
   std::string pattern = std::filesystem::temp_directory_path() / "orvane-test-XXXXXX";
   if (mkdtemp(pattern.data()) == nullptr) std::abort();
   path_ = std::filesystem::canonical(pattern);
@@ -27,28 +21,14 @@ PrivateHome::PrivateHome() {
   fakePlatform().home = path_;
 }
 
-PrivateHome::~PrivateHome() {
+FakeHome::~FakeHome() {
   std::error_code ignored;
   std::filesystem::remove_all(path_, ignored);
 }
 
-std::string PrivateHome::configurationFile(const std::string& name) const {
+std::string FakeHome::configurationFile(const std::string& name) const {
   std::filesystem::create_directories(file(".config/orvane"));
   return file(".config/orvane/" + name);
-}
-
-void writeFile(const std::string& path, const std::string& content) {
-  std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-  std::ofstream stream(path, std::ios::binary);
-  stream << content;
-  stream.close();
-  ASSERT_TRUE(stream) << "cannot write " << path;
-}
-
-std::string readFile(const std::string& path) {
-  std::ifstream stream(path, std::ios::binary);
-  EXPECT_TRUE(stream) << "cannot read " << path;
-  return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 }  // namespace orvane::test

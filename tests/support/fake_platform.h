@@ -29,12 +29,12 @@ struct FakePlatform {
 FakePlatform& fakePlatform();
 
 /// Resets the answers to their defaults, with a fresh temporary directory as home, and removes it at the end.
-class PrivateHome {
+class FakeHome {
  public:
-  PrivateHome();
-  ~PrivateHome();
-  PrivateHome(const PrivateHome&) = delete;
-  PrivateHome& operator=(const PrivateHome&) = delete;
+  FakeHome();
+  ~FakeHome();
+  FakeHome(const FakeHome&) = delete;
+  FakeHome& operator=(const FakeHome&) = delete;
 
   const std::string& path() const { return path_; }
   /// `name` under the home directory.
@@ -45,11 +45,5 @@ class PrivateHome {
  private:
   std::string path_;
 };
-
-/// Writes `content` to the file at `path`, making its directory; fails the test if that is impossible.
-void writeFile(const std::string& path, const std::string& content);
-
-/// The bytes of the file at `path`; fails the test if it cannot be read.
-std::string readFile(const std::string& path);
 
 }  // namespace orvane::test

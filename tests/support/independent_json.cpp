@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace orvane::tests {
+namespace orvane::test {
 
 namespace {
 
@@ -51,4 +51,4 @@ void checkResponseLine(const std::string& line) {
   }
 }
 
-}  // namespace orvane::tests
+}  // namespace orvane::test

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace orvane::tests {
+namespace orvane::test {
 
 using Json = boost::json::value;
 
@@ -15,4 +15,4 @@ Json parseJson(std::string_view text);
 /// Fails the running test unless `line` is exactly one JSON-RPC 2.0 response and nothing else.
 void checkResponseLine(const std::string& line);
 
-}  // namespace orvane::tests
+}  // namespace orvane::test

@@ -5,18 +5,19 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 
-namespace orvane::tests {
+#include "tests/support/file_content.h"
+
+namespace orvane::test {
 
 PrivateHome::PrivateHome() {
   std::string pattern = "/tmp/orvane-XXXXXX";
   if (mkdtemp(pattern.data()) == nullptr) {
     ADD_FAILURE() << "no temporary directory";
   }
-  rootPath = pattern;
-  homePath = rootPath + "/home";
-  std::filesystem::create_directories(homePath);
+  rootPath_ = pattern;
+  homePath_ = rootPath_ + "/home";
+  std::filesystem::create_directories(homePath_);
   std::filesystem::create_directories(decoy());
   writeUserDatabase();
 }
@@ -24,24 +25,25 @@ PrivateHome::PrivateHome() {
 PrivateHome::~PrivateHome() {
   checkDecoy();
   std::error_code ignored;
-  std::filesystem::remove_all(rootPath, ignored);
+  std::filesystem::remove_all(rootPath_, ignored);
 }
 
 void PrivateHome::moveToSocketPathLength(std::size_t bytes) {
-  const std::size_t tail = socketPath().size() - homePath.size();
-  homePath = rootPath + "/";
-  homePath.append(bytes - tail - homePath.size(), 'h');
-  std::filesystem::create_directories(homePath);
+  const std::size_t tail = socketPath().size() - homePath_.size();
+  homePath_ = rootPath_ + "/";
+  homePath_.append(bytes - tail - homePath_.size(), 'h');
+  std::filesystem::create_directories(homePath_);
   writeUserDatabase();
   EXPECT_EQ(socketPath().size(), bytes);
 }
 
 void PrivateHome::write(const std::string& relativePath, const std::string& content) const {
-  writeFile(homePath + "/" + relativePath, content);
+  writeFile(homePath_ + "/" + relativePath, content);
 }
 
 std::vector<std::string> PrivateHome::environment() const {
-  return {"HOME=" + decoy(), "NSS_WRAPPER_PASSWD=" + rootPath + "/passwd", "NSS_WRAPPER_GROUP=" + rootPath + "/group"};
+  return {"HOME=" + decoy(), "NSS_WRAPPER_PASSWD=" + rootPath_ + "/passwd",
+          "NSS_WRAPPER_GROUP=" + rootPath_ + "/group"};
 }
 
 void PrivateHome::checkDecoy() const {
@@ -51,21 +53,13 @@ void PrivateHome::checkDecoy() const {
 void PrivateHome::writeUserDatabase() const {
   const std::string uid = std::to_string(getuid());
   const std::string gid = std::to_string(getgid());
-  std::string users = "tester:x:" + uid + ":" + gid + ":Tester:" + homePath + ":/bin/sh\n";
+  std::string users = "tester:x:" + uid + ":" + gid + ":Tester:" + homePath_ + ":/bin/sh\n";
   if (getuid() != 0) {
     // A process that uid_wrapper takes for root is to find the same home.
-    users += "root:x:0:0:Root:" + homePath + ":/bin/sh\n";
+    users += "root:x:0:0:Root:" + homePath_ + ":/bin/sh\n";
   }
-  writeFile(rootPath + "/passwd", users);
-  writeFile(rootPath + "/group", "testers:x:" + gid + ":\n");
+  writeFile(rootPath_ + "/passwd", users);
+  writeFile(rootPath_ + "/group", "testers:x:" + gid + ":\n");
 }
 
-void writeFile(const std::string& path, const std::string& content) {
-  std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  file << content;
-  file.close();
-  EXPECT_TRUE(file.good()) << "cannot write " << path;
-}
-
-}  // namespace orvane::tests
+}  // namespace orvane::test

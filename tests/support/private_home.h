@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace orvane::tests {
+namespace orvane::test {
 
 class PrivateHome {
  public:
@@ -15,13 +15,13 @@ class PrivateHome {
   PrivateHome& operator=(const PrivateHome&) = delete;
 
   /// The directory that holds everything this object made, for files a test needs beside the home.
-  const std::string& root() const { return rootPath; }
+  const std::string& root() const { return rootPath_; }
   /// The home directory that the user database reports.
-  const std::string& path() const { return homePath; }
+  const std::string& path() const { return homePath_; }
   /// The directory that HOME names.
-  std::string decoy() const { return rootPath + "/decoy"; }
+  std::string decoy() const { return rootPath_ + "/decoy"; }
   /// Where the application listens.
-  std::string socketPath() const { return homePath + "/Library/Application Support/Orvane/mcp.sock"; }
+  std::string socketPath() const { return homePath_ + "/Library/Application Support/Orvane/mcp.sock"; }
 
   /// Moves the home so that the application's socket path has exactly `bytes` bytes.
   void moveToSocketPathLength(std::size_t bytes);
@@ -38,11 +38,8 @@ class PrivateHome {
  private:
   void writeUserDatabase() const;
 
-  std::string rootPath;
-  std::string homePath;
+  std::string rootPath_;
+  std::string homePath_;
 };
 
-/// Writes a whole file, with the directories on the way.
-void writeFile(const std::string& path, const std::string& content);
-
-}  // namespace orvane::tests
+}  // namespace orvane::test

@@ -4,94 +4,112 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
-#include <cstring>
+#include <cerrno>
 #include <filesystem>
 #include <utility>
 
-namespace orvane::tests {
+#include "core/descriptor_io.h"
+#include "platform/platform.h"
 
-int boundSocket(const std::string& path) {
-  std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-  const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  EXPECT_LT(path.size(), sizeof address.sun_path);
-  std::memcpy(address.sun_path, path.data(), std::min(path.size(), sizeof address.sun_path - 1));
-  EXPECT_EQ(bind(descriptor, reinterpret_cast<sockaddr*>(&address), sizeof address), 0) << path;
-  return descriptor;
+namespace orvane::test {
+
+namespace {
+
+// No program that a test starts meanwhile is to hold a connection open.
+Descriptor acceptFrom(int listener) {
+#ifdef SOCK_CLOEXEC
+  return Descriptor(accept4(listener, nullptr, nullptr, SOCK_CLOEXEC));
+#else
+  Descriptor connection(accept(listener, nullptr, nullptr));
+  fcntl(connection.get(), F_SETFD, FD_CLOEXEC);
+  return connection;
+#endif
 }
 
-std::string readToEnd(int connection) {
-  std::string bytes;
-  std::array<char, 65536> chunk;
-  ssize_t count = 0;
-  while ((count = read(connection, chunk.data(), chunk.size())) > 0) {
-    bytes.append(chunk.data(), static_cast<std::size_t>(count));
+}  // namespace
+
+std::string Connection::readToEnd() {
+  while (!readSome(65536).empty()) {
   }
+  return received_;
+}
+
+std::string Connection::readSome(std::size_t count) {
+  std::string bytes(count, '\0');
+  const ssize_t size = retryInterrupted([&] { return read(descriptor_, bytes.data(), bytes.size()); });
+  bytes.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
+  received_ += bytes;
   return bytes;
 }
 
-void writeFully(int connection, std::string_view bytes) {
+bool Connection::send(std::string_view bytes) const {
   while (!bytes.empty()) {
-    const ssize_t count = ::send(connection, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-    if (count <= 0) {
-      return;
-    }
-    bytes.remove_prefix(static_cast<std::size_t>(count));
+    const ssize_t sent =
+        retryInterrupted([&] { return ::send(descriptor_, bytes.data(), bytes.size(), platform::sendFlags()); });
+    if (sent <= 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(sent));
   }
+  return true;
 }
 
-ScriptedApplication::Behaviour answerWith(std::string bytes) {
-  return [bytes = std::move(bytes)](int connection) {
-    std::string request = readToEnd(connection);
-    writeFully(connection, bytes);
-    return request;
-  };
-}
-
-ScriptedApplication::ScriptedApplication(const std::string& path, Behaviour chosen) : behaviour(std::move(chosen)) {
-  listener = boundSocket(path);
-  EXPECT_EQ(listen(listener, 16), 0);
+ScriptedApplication::ScriptedApplication(const std::string& path, Script script) : script_(std::move(script)) {
+  std::filesystem::remove(path);
+  listener_ = Descriptor(boundSocket(path));
+  EXPECT_EQ(listen(listener_.get(), 64), 0) << "cannot listen, errno " << errno;
   std::array<int, 2> ends{};
-  EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
-  stopReader = ends[0];
-  stopWriter = ends[1];
-  thread = std::thread([this] { serve(); });
+  EXPECT_EQ(pipe(ends.data()), 0);
+  stopReader_ = Descriptor(ends[0]);
+  stopWriter_ = Descriptor(ends[1]);
+  for (const int end : ends) fcntl(end, F_SETFD, FD_CLOEXEC);
+  thread_ = std::thread([this] { serve(); });
 }
 
 ScriptedApplication::~ScriptedApplication() {
-  close(stopWriter);
-  thread.join();
-  close(stopReader);
-  close(listener);
+  EXPECT_EQ(write(stopWriter_.get(), ".", 1), 1);
+  thread_.join();
 }
 
 std::vector<std::string> ScriptedApplication::requests() const {
-  const std::lock_guard<std::mutex> guard(mutex);
-  return received;
+  const std::lock_guard lock(mutex_);
+  return requests_;
 }
 
 void ScriptedApplication::serve() {
   while (true) {
-    std::array<pollfd, 2> waits{pollfd{listener, POLLIN, 0}, pollfd{stopReader, POLLIN, 0}};
+    std::array<pollfd, 2> waits{pollfd{listener_.get(), POLLIN, 0}, pollfd{stopReader_.get(), POLLIN, 0}};
     poll(waits.data(), waits.size(), -1);
-    if (waits[0].revents == 0) {
-      return;  // asked to stop, and nobody is waiting any more
-    }
-    const int connection = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
-    std::string request = behaviour(connection);
-    {
-      // Kept before the connection ends, so that whoever has seen the answer also finds the request.
-      const std::lock_guard<std::mutex> guard(mutex);
-      received.push_back(std::move(request));
-    }
-    close(connection);
+    if (waits[0].revents == 0 && waits[1].revents != 0) return;
+    const Descriptor accepted = acceptFrom(listener_.get());
+    if (!accepted.isOpen()) continue;
+    ++connectionCount_;
+    Connection connection(accepted.get());
+    platform::suppressSigpipe(connection.descriptor());
+    script_(connection);
+    // Kept before the connection ends, so that whoever has seen the whole answer also finds the request.
+    const std::lock_guard lock(mutex_);
+    requests_.push_back(connection.received());
   }
 }
 
-}  // namespace orvane::tests
+ScriptedApplication::Script answerWith(std::string bytes) {
+  return [bytes = std::move(bytes)](Connection& connection) {
+    connection.readToEnd();
+    connection.send(bytes);
+  };
+}
+
+int boundSocket(const std::string& path) {
+  std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+  const int descriptor = platform::openUnixSocket();
+  const sockaddr_un address = platform::socketAddress(path);
+  EXPECT_EQ(bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0)
+      << "cannot bind " << path << ", errno " << errno;
+  return descriptor;
+}
+
+void leaveStaleSocket(const std::string& path) { const Descriptor socket(boundSocket(path)); }
+
+}  // namespace orvane::test

@@ -13,10 +13,12 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <iterator>
 
 #include "tests/support/child_environment.h"
 
-namespace orvane::tests {
+namespace orvane::test {
 
 namespace {
 
@@ -64,7 +66,7 @@ ServerProcess::ServerProcess(const PrivateHome& home, const Launch& launch) {
   std::signal(SIGPIPE, SIG_IGN);  // the test's own writes to a program that has ended
   const Channel in = makeChannel(launch.socketPairs, true);
   const Channel out = makeChannel(launch.socketPairs, false);
-  errors = openUnnamedFile();
+  errors_ = openUnnamedFile();
   setNonBlocking(in.ours);
   setNonBlocking(out.ours);
   if (launch.nonBlocking) {
@@ -78,10 +80,10 @@ ServerProcess::ServerProcess(const PrivateHome& home, const Launch& launch) {
   std::vector<char*> argumentPointers = pointersTo(arguments);
   std::vector<char*> environmentPointers = pointersTo(environment);
 
-  child = fork();
-  if (child == 0) {
+  child_ = fork();
+  if (child_ == 0) {
     // Only calls that are safe after a fork of a process with threads.
-    if (dup2(in.theirs, 0) < 0 || dup2(out.theirs, 1) < 0 || dup2(errors, 2) < 0 ||
+    if (dup2(in.theirs, 0) < 0 || dup2(out.theirs, 1) < 0 || dup2(errors_, 2) < 0 ||
         chdir(launch.workingDirectory.c_str()) != 0) {
       _exit(126);
     }
@@ -89,22 +91,22 @@ ServerProcess::ServerProcess(const PrivateHome& home, const Launch& launch) {
     execve(launch.program.c_str(), argumentPointers.data(), environmentPointers.data());
     _exit(127);
   }
-  EXPECT_GT(child, 0);
+  EXPECT_GT(child_, 0);
   close(out.theirs);
-  input = in.ours;
-  output = out.ours;
+  input_ = in.ours;
+  output_ = out.ours;
   if (launch.socketPairs) {
-    inputWitness = in.theirs;  // what a socket holds can only be asked at its receiving end
+    inputWitness_ = in.theirs;  // what a socket holds can only be asked at its receiving end
   } else {
     close(in.theirs);
   }
 }
 
 ServerProcess::~ServerProcess() {
-  if (!status) {
+  if (!status_) {
     finish();
   }
-  for (int descriptor : {input, inputWitness, output, errors}) {
+  for (int descriptor : {input_, inputWitness_, output_, errors_}) {
     if (descriptor >= 0) {
       close(descriptor);
     }
@@ -114,16 +116,16 @@ ServerProcess::~ServerProcess() {
 void ServerProcess::send(std::string_view bytes) {
   const auto deadline = deadlineAfter(defaultPatience);
   while (!bytes.empty()) {
-    const ssize_t written = write(input, bytes.data(), bytes.size());
+    const ssize_t written = write(input_, bytes.data(), bytes.size());
     if (written > 0) {
       bytes.remove_prefix(static_cast<std::size_t>(written));
       continue;
     }
     if (errno != EAGAIN || std::chrono::steady_clock::now() > deadline) {
-      ADD_FAILURE() << "the program does not take its input, errno " << errno;
+      ADD_FAILURE() << "the program does not take its input_, errno " << errno;
       return;
     }
-    std::array<pollfd, 2> waits{pollfd{input, POLLOUT, 0}, pollfd{outputEnded ? -1 : output, POLLIN, 0}};
+    std::array<pollfd, 2> waits{pollfd{input_, POLLOUT, 0}, pollfd{outputEnded_ ? -1 : output_, POLLIN, 0}};
     poll(waits.data(), waits.size(), 1000);
     if (waits[1].revents != 0) {
       takeOutput(0);
@@ -132,44 +134,44 @@ void ServerProcess::send(std::string_view bytes) {
 }
 
 bool ServerProcess::takeOutput(int timeoutMilliseconds) {
-  if (output < 0 || outputEnded) {
+  if (output_ < 0 || outputEnded_) {
     return false;
   }
-  pollfd wait{output, POLLIN, 0};
+  pollfd wait{output_, POLLIN, 0};
   if (poll(&wait, 1, timeoutMilliseconds) <= 0) {
     return true;
   }
   std::array<char, 65536> chunk;
-  const ssize_t count = read(output, chunk.data(), chunk.size());
+  const ssize_t count = read(output_, chunk.data(), chunk.size());
   if (count > 0) {
-    buffer.append(chunk.data(), static_cast<std::size_t>(count));
+    buffer_.append(chunk.data(), static_cast<std::size_t>(count));
   } else if (count == 0 || (errno != EAGAIN && errno != EINTR)) {
-    outputEnded = true;
+    outputEnded_ = true;
   }
-  return !outputEnded;
+  return !outputEnded_;
 }
 
 std::optional<std::string> ServerProcess::readLine(std::chrono::seconds patience) {
   const auto deadline = deadlineAfter(patience);
-  std::size_t searched = lineStart;
+  std::size_t searched = lineStart_;
   while (true) {
-    const std::size_t end = buffer.find('\n', searched);
+    const std::size_t end = buffer_.find('\n', searched);
     if (end != std::string::npos) {
-      std::string line = buffer.substr(lineStart, end - lineStart);
-      lineStart = end + 1;
+      std::string line = buffer_.substr(lineStart_, end - lineStart_);
+      lineStart_ = end + 1;
       // Seldom, because what is kept has to be moved.
-      if (lineStart > buffer.size() / 2) {
-        buffer.erase(0, lineStart);
-        lineStart = 0;
+      if (lineStart_ > buffer_.size() / 2) {
+        buffer_.erase(0, lineStart_);
+        lineStart_ = 0;
       }
       checkResponseLine(line);
       return line;
     }
-    searched = buffer.size();
+    searched = buffer_.size();
     if (!takeOutput(1000)) {
-      EXPECT_EQ(lineStart, buffer.size()) << "output that no line feed ends: " << buffer.substr(lineStart, 400);
-      buffer.clear();
-      lineStart = 0;
+      EXPECT_EQ(lineStart_, buffer_.size()) << "output that no line feed ends: " << buffer_.substr(lineStart_, 400);
+      buffer_.clear();
+      lineStart_ = 0;
       return std::nullopt;
     }
     if (std::chrono::steady_clock::now() > deadline) {
@@ -190,16 +192,16 @@ Json ServerProcess::request(std::string_view line) {
 }
 
 void ServerProcess::closeInput() {
-  if (input >= 0) {
-    close(input);
-    input = -1;
+  if (input_ >= 0) {
+    close(input_);
+    input_ = -1;
   }
 }
 
 void ServerProcess::closeOutput() {
-  close(output);
-  output = -1;
-  outputEnded = true;
+  close(output_);
+  output_ = -1;
+  outputEnded_ = true;
 }
 
 std::vector<std::string> ServerProcess::finish() {
@@ -214,28 +216,28 @@ std::vector<std::string> ServerProcess::finish() {
 
 int ServerProcess::wait() {
   const auto deadline = deadlineAfter(defaultPatience);
-  while (!status) {
+  while (!status_) {
     int result = 0;
-    const pid_t ended = waitpid(child, &result, WNOHANG);
-    if (ended == child) {
-      status = result;
+    const pid_t ended = waitpid(child_, &result, WNOHANG);
+    if (ended == child_) {
+      status_ = result;
     } else if (std::chrono::steady_clock::now() > deadline) {
       ADD_FAILURE() << "the program does not end";
-      kill(child, SIGKILL);
-      waitpid(child, &result, 0);
-      status = result;
+      kill(child_, SIGKILL);
+      waitpid(child_, &result, 0);
+      status_ = result;
     } else {
       poll(nullptr, 0, 1);
     }
   }
-  return *status;
+  return *status_;
 }
 
 std::string ServerProcess::standardError() const {
   std::string text;
   std::array<char, 4096> chunk;
   ssize_t count = 0;
-  while ((count = pread(errors, chunk.data(), chunk.size(), static_cast<off_t>(text.size()))) > 0) {
+  while ((count = pread(errors_, chunk.data(), chunk.size(), static_cast<off_t>(text.size()))) > 0) {
     text.append(chunk.data(), static_cast<std::size_t>(count));
   }
   return text;
@@ -243,14 +245,19 @@ std::string ServerProcess::standardError() const {
 
 int ServerProcess::unreadInput() const {
   int count = -1;
-  ioctl(inputWitness >= 0 ? inputWitness : input, FIONREAD, &count);
+  ioctl(inputWitness_ >= 0 ? inputWitness_ : input_, FIONREAD, &count);
   return count;
 }
 
 int ServerProcess::pendingOutput() const {
   int count = -1;
-  ioctl(output, FIONREAD, &count);
+  ioctl(output_, FIONREAD, &count);
   return count;
 }
 
-}  // namespace orvane::tests
+std::size_t ServerProcess::openDescriptorCount() const {
+  const std::filesystem::directory_iterator begin("/proc/" + std::to_string(child_) + "/fd");
+  return static_cast<std::size_t>(std::distance(begin, std::filesystem::directory_iterator()));
+}
+
+}  // namespace orvane::test

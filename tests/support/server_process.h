@@ -13,7 +13,7 @@
 #include "tests/support/independent_json.h"
 #include "tests/support/private_home.h"
 
-namespace orvane::tests {
+namespace orvane::test {
 
 /// Long enough for a busy machine and a sanitizer; a passing test never waits for it.
 inline constexpr std::chrono::seconds defaultPatience{120};
@@ -65,23 +65,27 @@ class ServerProcess {
   /// Bytes of standard output that lie in the pipe and were not yet taken by the test.
   int pendingOutput() const;
 
-  pid_t id() const { return child; }
+  pid_t id() const { return child_; }
+
+  /// How many descriptors the program has open. Steady from the first look-up of the home directory on, for which the
+  /// tests' user database stays open.
+  std::size_t openDescriptorCount() const;
 
  private:
   bool takeOutput(int timeoutMilliseconds);
 
-  pid_t child = -1;
-  int input = -1;
-  int inputWitness = -1;
-  int output = -1;
-  int errors = -1;
-  bool outputEnded = false;
-  std::optional<int> status;
-  std::string buffer;
-  std::size_t lineStart = 0;  // where in the buffer the next line begins
+  pid_t child_ = -1;
+  int input_ = -1;
+  int inputWitness_ = -1;
+  int output_ = -1;
+  int errors_ = -1;
+  bool outputEnded_ = false;
+  std::optional<int> status_;
+  std::string buffer_;
+  std::size_t lineStart_ = 0;  // where in the buffer the next line begins
 };
 
 /// A test's patience, counted from now.
 std::chrono::steady_clock::time_point deadlineAfter(std::chrono::seconds patience);
 
-}  // namespace orvane::tests
+}  // namespace orvane::test

@@ -2,7 +2,7 @@
 
 #include <sys/wait.h>
 
-namespace orvane::tests {
+namespace orvane::test {
 
 std::unique_ptr<ServerProcess> ServerTest::start(std::vector<std::string> arguments,
                                                  std::vector<std::string> environment) {
@@ -13,7 +13,7 @@ std::unique_ptr<ServerProcess> ServerTest::start(std::vector<std::string> argume
 }
 
 std::unique_ptr<ServerProcess> ServerTest::start(const Launch& launch) {
-  return std::make_unique<ServerProcess>(home, launch);
+  return std::make_unique<ServerProcess>(home_, launch);
 }
 
 void ServerTest::expectCleanEnd(ServerProcess& server, const std::string& diagnostics) {
@@ -74,4 +74,4 @@ void expectPong(ServerProcess& server) {
   EXPECT_EQ(response, parseJson(R"({"jsonrpc":"2.0","id":"pong","result":{}})"));
 }
 
-}  // namespace orvane::tests
+}  // namespace orvane::test

@@ -9,7 +9,7 @@
 
 #include "tests/support/server_process.h"
 
-namespace orvane::tests {
+namespace orvane::test {
 
 class ServerTest : public ::testing::Test {
  protected:
@@ -22,7 +22,7 @@ class ServerTest : public ::testing::Test {
   /// Ends input and expects exit status 0, no further output and exactly `diagnostics` on standard error.
   static void expectCleanEnd(ServerProcess& server, const std::string& diagnostics = "");
 
-  PrivateHome home;
+  PrivateHome home_;
 };
 
 /// The JSON text of `text` as a string, quotes included.
@@ -44,4 +44,4 @@ void expectError(const Json& response, const Json& id, int code, const std::stri
 /// Checks that the program is still there and answers.
 void expectPong(ServerProcess& server);
 
-}  // namespace orvane::tests
+}  // namespace orvane::test

@@ -3,8 +3,8 @@
 
 #include <cstddef>
 
-namespace orvane::tests {
+namespace orvane::test {
 
 inline constexpr std::size_t toolCount = 42;
 
-}  // namespace orvane::tests
+}  // namespace orvane::test

@@ -12,6 +12,7 @@
 
 #include "core/json_writer.h"
 #include "tests/support/fake_platform.h"
+#include "tests/support/file_content.h"
 #include "tools/documentation.h"
 #include "tools/schema.h"
 
@@ -177,7 +178,7 @@ std::vector<std::string> usersOwn(std::string_view key) {
 
 class ListAugmentsToolTest : public testing::Test {
  protected:
-  std::string file(const std::string& name) const { return home.configurationFile("augments/" + name); }
+  std::string file(const std::string& name) const { return home_.configurationFile("augments/" + name); }
   void write(const std::string& name, const std::string& text = "---\n---\n") const {
     test::writeFile(file(name), text);
   }
@@ -185,7 +186,7 @@ class ListAugmentsToolTest : public testing::Test {
     test::fakePlatform().preferences[{ORVANE_APPLICATION_ID, "augments.active"}] = std::move(ids);
   }
 
-  test::PrivateHome home;
+  test::FakeHome home_;
 };
 
 TEST_F(ListAugmentsToolTest, WithoutFilesAndActiveIdsThereAreTheBuiltInAugments) {
@@ -281,7 +282,7 @@ TEST_F(ListAugmentsToolTest, WhatCannotBeReadIsSkippedAlone) {
   write("z.md");
   std::filesystem::create_directory(file("directory.md"));
   ASSERT_EQ(mkfifo(file("fifo.md").c_str(), 0600), 0);
-  std::filesystem::create_symlink(home.file("gone"), file("dangling.md"));
+  std::filesystem::create_symlink(home_.file("gone"), file("dangling.md"));
   std::filesystem::create_symlink(file("loop.md"), file("loop.md"));
   std::filesystem::create_symlink("/dev/zero", file("device.md"));
   write("latin1.md", "---\nname: \xE9t\xE9\n---");
@@ -290,9 +291,9 @@ TEST_F(ListAugmentsToolTest, WhatCannotBeReadIsSkippedAlone) {
 }
 
 TEST_F(ListAugmentsToolTest, LinksToFilesAreFollowed) {
-  test::writeFile(home.file("elsewhere.txt"), "---\nname: Linked\n---");
+  test::writeFile(home_.file("elsewhere.txt"), "---\nname: Linked\n---");
   std::filesystem::create_directories(file(""));
-  std::filesystem::create_symlink(home.file("elsewhere.txt"), file("link.md"));
+  std::filesystem::create_symlink(home_.file("elsewhere.txt"), file("link.md"));
   EXPECT_THAT(usersOwn("id"), ElementsAre("link"));
   EXPECT_THAT(usersOwn("name"), ElementsAre("Linked"));
 }
@@ -309,7 +310,7 @@ TEST_F(ListAugmentsToolTest, FileNamesThatAreNoTextAreSkippedAlone) {
 }
 
 TEST_F(ListAugmentsToolTest, SomethingElseInPlaceOfTheDirectoryHoldsNoAugments) {
-  test::writeFile(home.configurationFile("augments"), "---\n---");
+  test::writeFile(home_.configurationFile("augments"), "---\n---");
   EXPECT_THAT(usersOwn("id"), IsEmpty());
 }
 
@@ -329,14 +330,14 @@ TEST_F(ListAugmentsToolTest, FilesWithoutPermissionAreSkippedAlone) {
   write("a.md");
   write("secret.md");
   write("z.md");
-  std::filesystem::permissions(home.path(), std::filesystem::perms(0755));
+  std::filesystem::permissions(home_.path(), std::filesystem::perms(0755));
   std::filesystem::permissions(file("secret.md"), std::filesystem::perms::none);
   EXPECT_TRUE(holdsForAnotherUser([] { return usersOwn("id") == std::vector<std::string>{"a", "z"}; }));
 }
 
 TEST_F(ListAugmentsToolTest, ADirectoryWithoutPermissionHoldsNoAugments) {
   write("a.md");
-  std::filesystem::permissions(home.path(), std::filesystem::perms(0755));
+  std::filesystem::permissions(home_.path(), std::filesystem::perms(0755));
   EXPECT_TRUE(holdsForAnotherUser([] { return usersOwn("id") == std::vector<std::string>{"a"}; }));
   std::filesystem::permissions(file(""), std::filesystem::perms::none);
   EXPECT_TRUE(holdsForAnotherUser([] { return usersOwn("id").empty(); }));

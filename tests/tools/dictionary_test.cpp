@@ -9,6 +9,7 @@
 
 #include "core/json_writer.h"
 #include "tests/support/fake_platform.h"
+#include "tests/support/file_content.h"
 #include "tools/documentation.h"
 #include "tools/schema.h"
 
@@ -153,8 +154,8 @@ class ListReplacementsToolTest : public testing::Test {
  protected:
   std::string call() const { return writeCompactJSON(ListReplacementsTool::call({})); }
 
-  test::PrivateHome home;
-  const std::string path = home.configurationFile("replacements.txt");
+  test::FakeHome home_;
+  const std::string path = home_.configurationFile("replacements.txt");
 };
 
 TEST_F(ListReplacementsToolTest, ReportsTheFile) {
@@ -205,9 +206,9 @@ TEST_F(ListReplacementsToolTest, WhatIsNoFileIsAnEmptyOverlay) {
   EXPECT_EQ(call(), nothing);
   std::filesystem::remove(path);
 
-  std::filesystem::create_symlink(home.file("gone"), path);
+  std::filesystem::create_symlink(home_.file("gone"), path);
   EXPECT_EQ(call(), nothing);
-  test::writeFile(home.file("gone"), "[fillers]\num");
+  test::writeFile(home_.file("gone"), "[fillers]\num");
   EXPECT_EQ(call(), R"({"additions":[],"fillers":["um"],"corrections":[],"disabled":[]})");
   std::filesystem::remove(path);
 

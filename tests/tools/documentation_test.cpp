@@ -9,18 +9,18 @@
 namespace orvane {
 namespace {
 
+using test::FakeHome;
 using test::fakePlatform;
-using test::PrivateHome;
 
 TEST(DocumentationTest, FilesLieUnderTheApplicationSupportDirectory) {
-  const PrivateHome home;
+  const FakeHome home;
   fakePlatform().applicationSupport = "/Users/a/Library/Application Support";
   EXPECT_EQ(docsDirectory(), "/Users/a/Library/Application Support/Orvane/docs/");
   EXPECT_EQ(docsPath("slate.md"), "/Users/a/Library/Application Support/Orvane/docs/slate.md");
 }
 
 TEST(DocumentationTest, FilesLieUnderTheHomeWhereThereIsNone) {
-  const PrivateHome home;
+  const FakeHome home;
   EXPECT_EQ(docsPath("INDEX.md"), home.file("Library/Application Support/Orvane/docs/INDEX.md"));
   fakePlatform().home = "/moved";
   EXPECT_EQ(docsPath("INDEX.md"), "/moved/Library/Application Support/Orvane/docs/INDEX.md") << "asked for each time";

@@ -75,8 +75,8 @@ std::vector<std::string> stringsIn(const JSON::Object& object, std::string_view 
 TEST(ToolInventoryTest, HasAllToolsUnderDifferentNames) {
   std::set<std::string_view> names;
   for (const ToolHandle& tool : allTools()) names.insert(tool.name);
-  EXPECT_EQ(allTools().size(), tests::toolCount);
-  EXPECT_EQ(names.size(), tests::toolCount);
+  EXPECT_EQ(allTools().size(), test::toolCount);
+  EXPECT_EQ(names.size(), test::toolCount);
 }
 
 TEST(ToolInventoryTest, NamesAreLowerSnakeCase) {

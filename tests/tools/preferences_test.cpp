@@ -12,6 +12,7 @@
 #include "core/json_reader.h"
 #include "core/json_writer.h"
 #include "tests/support/fake_platform.h"
+#include "tests/support/file_content.h"
 
 namespace orvane {
 namespace {
@@ -34,7 +35,7 @@ class PreferencesTest : public testing::Test {
     return writeCompactJSON(result);
   }
   std::string lastRecordLessTime() const {
-    std::string log = test::readFile(home.file(".config/orvane/mcp-context-reads.jsonl"));
+    std::string log = test::readFile(home_.file(".config/orvane/mcp-context-reads.jsonl"));
     EXPECT_TRUE(log.ends_with('\n'));
     log.pop_back();
     JSON::Object record = readJSONObject(log.substr(log.rfind('\n') + 1)).value();
@@ -42,13 +43,13 @@ class PreferencesTest : public testing::Test {
     return writeCompactJSON(record);
   }
   std::string notes() const { return test::readFile(path()); }
-  std::string path() const { return home.file(".config/orvane/preferences.md"); }
+  std::string path() const { return home_.file(".config/orvane/preferences.md"); }
   std::size_t entries() const {
     return static_cast<std::size_t>(
-        std::distance(fs::directory_iterator(home.file(".config/orvane")), fs::directory_iterator{}));
+        std::distance(fs::directory_iterator(home_.file(".config/orvane")), fs::directory_iterator{}));
   }
 
-  test::PrivateHome home;
+  test::FakeHome home_;
 };
 
 const std::string full =
@@ -189,25 +190,25 @@ TEST_F(PreferencesTest, NeverReplacesWhatItCannotRead) {
 }
 
 TEST_F(PreferencesTest, SaysWhyItCannotWrite) {
-  test::writeFile(home.file(".config"), "a file in the way");
+  test::writeFile(home_.file(".config"), "a file in the way");
   testing::internal::CaptureStderr();
   EXPECT_EQ(remember("n"), R"({"error":"could not write preferences","details":")" + errorText(EEXIST) + "\"}");
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "ContextAuditLog: open for write failed: " + home.file(".config/orvane/mcp-context-reads.jsonl") + "\n");
+            "ContextAuditLog: open for write failed: " + home_.file(".config/orvane/mcp-context-reads.jsonl") + "\n");
 }
 
 TEST_F(PreferencesTest, WritesThroughLinks) {
-  test::writeFile(home.file("dotfiles/p.md"), "old\n");
-  fs::create_directories(home.file(".config/orvane"));
+  test::writeFile(home_.file("dotfiles/p.md"), "old\n");
+  fs::create_directories(home_.file(".config/orvane"));
   fs::create_symlink("../../dotfiles/p.md", path());
   remember("n");
   EXPECT_TRUE(fs::is_symlink(path()));
-  EXPECT_EQ(test::readFile(home.file("dotfiles/p.md")), "old\n- n\n");
-  fs::remove(home.file("dotfiles/p.md"));
+  EXPECT_EQ(test::readFile(home_.file("dotfiles/p.md")), "old\n- n\n");
+  fs::remove(home_.file("dotfiles/p.md"));
   EXPECT_EQ(read(), R"({"content":"","char_count":0})");
   EXPECT_EQ(remember("n"), R"({"ok":true,"char_count":4})");
   EXPECT_TRUE(fs::is_symlink(path()));
-  EXPECT_EQ(test::readFile(home.file("dotfiles/p.md")), "- n\n");
+  EXPECT_EQ(test::readFile(home_.file("dotfiles/p.md")), "- n\n");
 }
 
 TEST_F(PreferencesTest, LeavesNothingElseBehind) {

@@ -8,12 +8,13 @@
 #include <vector>
 
 #include "tests/support/fake_platform.h"
+#include "tests/support/file_content.h"
 #include "tests/support/json_text.h"
 
 namespace orvane {
 namespace {
 
-using test::PrivateHome;
+using test::FakeHome;
 using test::writeFile;
 
 class CurrentSettingsTest : public testing::Test {
@@ -33,7 +34,7 @@ class CurrentSettingsTest : public testing::Test {
     return writeCompactJSON(*settingsFor(content).find(key));
   }
 
-  PrivateHome home_;
+  FakeHome home_;
 };
 
 const std::string defaults = test::canonical(

@@ -11,6 +11,7 @@
 
 #include "core/json_writer.h"
 #include "tests/support/fake_platform.h"
+#include "tests/support/file_content.h"
 #include "tools/all_tools.h"
 #include "tools/documentation.h"
 
@@ -44,7 +45,7 @@ class ToolSnapshotTest : public testing::Test {
   }
 
  private:
-  test::PrivateHome home_;
+  test::FakeHome home_;
 };
 
 TEST_F(ToolSnapshotTest, EachToolIsAsItsSnapshotShows) {

@@ -8,11 +8,12 @@
 
 #include "core/json_writer.h"
 #include "tests/support/fake_platform.h"
+#include "tests/support/file_content.h"
 
 namespace orvane {
 namespace {
 
-using test::PrivateHome;
+using test::FakeHome;
 using test::writeFile;
 
 constexpr const char* unknown = "0.0.0-dev";
@@ -25,7 +26,7 @@ class FindVersionTest : public testing::Test {
   std::string bundle(const std::string& name) const { return home_.file("1/2/3/4/5/6/7/8/Orvane.app/" + name); }
   std::string program() const { return bundle("Contents/MacOS/orvane-mcp"); }
 
-  PrivateHome home_;
+  FakeHome home_;
 };
 
 TEST_F(FindVersionTest, NothingThereIsTheDevelopmentVersion) { EXPECT_EQ(findVersion(program()), unknown); }
@@ -105,7 +106,7 @@ TEST(OrvaneVersionToolTest, AnswersTheVersionAloneWhateverTheArguments) {
 }
 
 TEST(OrvaneVersionToolTest, TheVersionIsLookedUpOnce) {
-  const PrivateHome home;
+  const FakeHome home;
   const std::string before = applicationVersion();
   writeFile(home.file("VERSION"), "9.9.9");
   setProgramPath(home.file("program"));
