@@ -147,7 +147,7 @@ TEST_F(FilesTest, NewFilesFollowTheUmask) {
 
 TEST_F(FilesTest, ReplaceKeepsPermissions) {
   umask(077);
-  for (const mode_t mode : {0600U, 0644U, 0666U, 0400U}) {
+  for (const mode_t mode : std::initializer_list<mode_t>{0600, 0644, 0666, 0400}) {
     test::writeFile(home_.file("f"), "old");
     ASSERT_EQ(chmod(home_.file("f").c_str(), mode), 0);
     ASSERT_EQ(errorOf(replaceFile(home_.file("f"), "new")), 0);
