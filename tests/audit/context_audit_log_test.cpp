@@ -21,7 +21,7 @@
 #include "tests/support/fake_platform.h"
 #include "tests/support/file_content.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -34,7 +34,7 @@ class ContextAuditLogTest : public testing::Test {
   ~ContextAuditLogTest() override { unsetenv("ORV_MCP_AUDIBLE"); }
 
   std::string path() const { return home_.file(".config/orvane/mcp-context-reads.jsonl"); }
-  std::string logged() const { return test::readFile(path()); }
+  std::string logged() const { return readFile(path()); }
   void recordAndDrain(ContextAuditRecord record) {
     log.record(std::move(record));
     log.drain();
@@ -51,7 +51,7 @@ class ContextAuditLogTest : public testing::Test {
     return *readJSONObject(logged()).value().find("ts")->asString();
   }
 
-  test::FakeHome home_;
+  FakeHome home_;
   TimePoint now{1794792225678ms};  // changed only while the queue is idle
   int cues = 0;
   ContextAuditLog log{{[this] { return now; }, [this] { ++cues; }}};
@@ -150,13 +150,13 @@ TEST_F(ContextAuditLogTest, OnlyExactlyZeroSilencesTheCue) {
 TEST_F(ContextAuditLogTest, SharedLogPlaysTink) {
   ContextAuditLog::shared().record(plain);
   ContextAuditLog::shared().drain();
-  if (test::fakePlatform().soundsPlayed.empty()) {
+  if (fakePlatform().soundsPlayed.empty()) {
     // Another test of this process had the cue less than two seconds ago.
     std::this_thread::sleep_for(2s);
     ContextAuditLog::shared().record(plain);
     ContextAuditLog::shared().drain();
   }
-  EXPECT_EQ(test::fakePlatform().soundsPlayed, std::vector<std::string>{"Tink"});
+  EXPECT_EQ(fakePlatform().soundsPlayed, std::vector<std::string>{"Tink"});
   EXPECT_GE(splitAt(logged(), "\n").size(), 2U);
 }
 
@@ -174,7 +174,7 @@ TEST_F(ContextAuditLogTest, KeepsTheOrderOfCallsAndWritesAllBeforeItsEnd) {
 }
 
 TEST_F(ContextAuditLogTest, AppendsToWhatIsThere) {
-  test::writeFile(path(), "before\n");
+  writeFile(path(), "before\n");
   recordAndDrain(plain);
   EXPECT_TRUE(logged().starts_with("before\n{"));
 }
@@ -185,7 +185,7 @@ TEST_F(ContextAuditLogTest, SaysThatItCannotOpen) {
 }
 
 TEST_F(ContextAuditLogTest, SaysSoWhenTheDirectoryCannotBe) {
-  test::writeFile(home_.file(".config"), "in the way");
+  writeFile(home_.file(".config"), "in the way");
   EXPECT_EQ(standardErrorOf(plain), "ContextAuditLog: open for write failed: " + path() + "\n");
 }
 
@@ -251,4 +251,4 @@ TEST_F(ContextAuditLogTest, TenProcessesLoseAndMixNothing) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -17,19 +17,8 @@
 #include "tests/support/bridge_call.h"
 #include "tests/support/fake_platform.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
-
-using test::applicationAnswering;
-using test::applicationWith;
-using test::Connection;
-using test::failureOf;
-using test::FakeHome;
-using test::fakePlatform;
-using test::mebibyte;
-using test::notRunning;
-using test::okResponse;
-using test::outcomeOfCall;
 
 // The number of descriptors that this process has open.
 std::size_t openDescriptorCount() {
@@ -140,4 +129,4 @@ TEST_F(AppBridgeEnduranceTest, ThousandsOfFailuresLeaveNoDescriptorOpen) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -23,19 +23,8 @@
 #include "tests/support/file_content.h"
 #include "tests/support/json_text.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
-
-using test::applicationAnswering;
-using test::applicationWith;
-using test::Connection;
-using test::failureOf;
-using test::FakeHome;
-using test::fakePlatform;
-using test::mebibyte;
-using test::notRunning;
-using test::okResponse;
-using test::outcomeOfCall;
 
 class AppBridgeLimitsTest : public testing::Test {
  protected:
@@ -55,13 +44,13 @@ TEST_F(AppBridgeLimitsTest, NobodyListeningMeansNotRunning) {
   EXPECT_EQ(outcomeOfCall(), notRunning) << "no directory";
   std::filesystem::create_directories(std::filesystem::path(MCPSocketPath::resolve()).parent_path());
   EXPECT_EQ(outcomeOfCall(), notRunning) << "no socket file";
-  test::leaveStaleSocket(MCPSocketPath::resolve());
+  leaveStaleSocket(MCPSocketPath::resolve());
   ASSERT_TRUE(std::filesystem::exists(MCPSocketPath::resolve()));
   EXPECT_EQ(outcomeOfCall(), notRunning) << "a stale socket file";
 }
 
 TEST_F(AppBridgeLimitsTest, OtherReasonsAgainstAConnectionAreTold) {
-  test::writeFile(home_.file("Library/Application Support/Orvane"), "a file");
+  writeFile(home_.file("Library/Application Support/Orvane"), "a file");
   EXPECT_EQ(outcomeOfCall(), failureOf("connect", ENOTDIR));
   const std::string loop = home_.file("loop");
   std::filesystem::create_symlink(loop, loop);
@@ -237,9 +226,8 @@ TEST_F(AppBridgeLimitsTest, LargeRequestsArriveWhole) {
   const std::string text(mebibyte - 200, 'x');
   EXPECT_EQ(outcomeOfCall("m", {{"text", text}}), "[1]");
   ASSERT_EQ(application.requests().size(), 1U);
-  EXPECT_EQ(test::canonical(application.requests()[0]),
-            test::canonical(R"({"method":"m","args":{"text":")" + text + "\"}}"));
+  EXPECT_EQ(canonical(application.requests()[0]), canonical(R"({"method":"m","args":{"text":")" + text + "\"}}"));
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

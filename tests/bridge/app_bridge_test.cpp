@@ -14,15 +14,8 @@
 #include "tests/support/fake_platform.h"
 #include "tests/support/json_text.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
-
-using test::applicationAnswering;
-using test::canonical;
-using test::FakeHome;
-using test::outcomeOfCall;
-using test::parsed;
-using test::parsedObject;
 
 class AppBridgeTest : public testing::Test {
  protected:
@@ -183,7 +176,7 @@ TEST_F(AppBridgeTest, MalformedResponsesSayWhatIsWrong) {
 }
 
 TEST_F(AppBridgeTest, TheDeepestReadableResponseIsPassedAndADeeperOneIsMalformed) {
-  const std::string deepest = test::nestedArrays(maxReadNesting - 1);
+  const std::string deepest = nestedArrays(maxReadNesting - 1);
   const auto application = applicationAnswering(R"({"ok":true,"result":)" + deepest + "}");
   const JSON result = AppBridge::call("m", {});
   EXPECT_EQ(writeCompactJSON(result), deepest);
@@ -192,10 +185,10 @@ TEST_F(AppBridgeTest, TheDeepestReadableResponseIsPassedAndADeeperOneIsMalformed
 
 TEST_F(AppBridgeTest, ADeeperResponseIsMalformed) {
   for (const std::size_t levels : {maxReadNesting, std::size_t{500000}}) {
-    EXPECT_EQ(seen(R"({"ok":true,"result":)" + test::nestedArrays(levels) + "}"),
+    EXPECT_EQ(seen(R"({"ok":true,"result":)" + nestedArrays(levels) + "}"),
               "-32002 Malformed response from Orvane: response was not a JSON object no data");
   }
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 bool isOpenInProcess(int descriptor) { return fcntl(descriptor, F_GETFD) >= 0; }
@@ -64,4 +64,4 @@ TEST(DescriptorTest, ReleaseLeavesItToTheCaller) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

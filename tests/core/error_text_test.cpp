@@ -6,7 +6,7 @@
 #include <cstring>
 #include <string>
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 TEST(ErrorTextTest, IsTheSystemsSentenceAndTheNumber) {
@@ -16,4 +16,4 @@ TEST(ErrorTextTest, IsTheSystemsSentenceAndTheNumber) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -19,7 +19,7 @@
 #include "tests/support/fake_platform.h"
 #include "tests/support/file_content.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -54,7 +54,7 @@ class FilesTest : public testing::Test {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
 
-  test::FakeHome home_;
+  FakeHome home_;
 
  private:
   mode_t oldMask_;
@@ -64,7 +64,7 @@ TEST_F(FilesTest, ReadsAllBytes) {
   for (const std::size_t size : {0U, 1U, 4096U, 1000000U}) {
     std::string content(size, '\0');
     for (std::size_t i = 0; i < size; ++i) content[i] = static_cast<char>(i * 7);
-    test::writeFile(home_.file("f"), content);
+    writeFile(home_.file("f"), content);
     const auto outcome = readWholeFile(home_.file("f"));
     ASSERT_EQ(errorOf(outcome), 0);
     EXPECT_EQ(std::get<std::string>(outcome), content);
@@ -83,15 +83,15 @@ TEST_F(FilesTest, ReadsOnlyRegularFiles) {
 }
 
 TEST_F(FilesTest, ReadsThroughLinks) {
-  test::writeFile(home_.file("f"), "text");
+  writeFile(home_.file("f"), "text");
   fs::create_symlink("f", home_.file("link"));
   EXPECT_EQ(readTextFile(home_.file("link")), "text");
 }
 
 TEST_F(FilesTest, TextIsValidUTF8) {
-  test::writeFile(home_.file("f"), "\u00e4");
+  writeFile(home_.file("f"), "\u00e4");
   EXPECT_EQ(readTextFile(home_.file("f")), "\u00e4");
-  test::writeFile(home_.file("f"), "a\xff");
+  writeFile(home_.file("f"), "a\xff");
   EXPECT_EQ(readTextFile(home_.file("f")), std::nullopt);
   EXPECT_EQ(readTextFile(home_.file("absent")), std::nullopt);
 }
@@ -100,15 +100,15 @@ TEST_F(FilesTest, ExistenceFollowsLinks) {
   EXPECT_FALSE(fileExists(home_.file("f")));
   fs::create_symlink("f", home_.file("link"));
   EXPECT_FALSE(fileExists(home_.file("link")));
-  test::writeFile(home_.file("f"), "");
+  writeFile(home_.file("f"), "");
   EXPECT_TRUE(fileExists(home_.file("link")));
   EXPECT_TRUE(fileExists(home_.path()));
 }
 
 TEST_F(FilesTest, ListsADirectory) {
   EXPECT_EQ(listDirectory(home_.path())->size(), 0U);
-  test::writeFile(home_.file("b/f"), "");
-  test::writeFile(home_.file(".a"), "");
+  writeFile(home_.file("b/f"), "");
+  writeFile(home_.file(".a"), "");
   EXPECT_EQ(entries(home_.path()), (std::vector<std::string>{".a", "b"}));
   EXPECT_EQ(listDirectory(home_.file(".a")), std::nullopt);
   EXPECT_EQ(listDirectory(home_.file("absent")), std::nullopt);
@@ -126,16 +126,16 @@ TEST_F(FilesTest, MakesDirectories) {
 }
 
 TEST_F(FilesTest, AFileInTheWayOfADirectoryIsAnError) {
-  test::writeFile(home_.file("f"), "");
+  writeFile(home_.file("f"), "");
   EXPECT_EQ(errorOf(createDirectories(home_.file("f"))), EEXIST);
   EXPECT_EQ(errorOf(createDirectories(home_.file("f/a/b"))), EEXIST);
 }
 
 TEST_F(FilesTest, ReplaceMakesAndReplaces) {
   EXPECT_EQ(errorOf(replaceFile(home_.file("f"), "one")), 0);
-  EXPECT_EQ(test::readFile(home_.file("f")), "one");
+  EXPECT_EQ(readFile(home_.file("f")), "one");
   EXPECT_EQ(errorOf(replaceFile(home_.file("f"), "")), 0);
-  EXPECT_EQ(test::readFile(home_.file("f")), "");
+  EXPECT_EQ(readFile(home_.file("f")), "");
   EXPECT_EQ(entries(home_.path()), std::vector<std::string>{"f"});
 }
 
@@ -148,24 +148,24 @@ TEST_F(FilesTest, NewFilesFollowTheUmask) {
 TEST_F(FilesTest, ReplaceKeepsPermissions) {
   umask(077);
   for (const mode_t mode : std::initializer_list<mode_t>{0600, 0644, 0666, 0400}) {
-    test::writeFile(home_.file("f"), "old");
+    writeFile(home_.file("f"), "old");
     ASSERT_EQ(chmod(home_.file("f").c_str(), mode), 0);
     ASSERT_EQ(errorOf(replaceFile(home_.file("f"), "new")), 0);
     EXPECT_EQ(modeOf(home_.file("f")), mode);
-    EXPECT_EQ(test::readFile(home_.file("f")), "new");
+    EXPECT_EQ(readFile(home_.file("f")), "new");
     fs::remove(home_.file("f"));
   }
 }
 
 TEST_F(FilesTest, ReplaceFollowsLinks) {
-  test::writeFile(home_.file("d/target"), "old");
+  writeFile(home_.file("d/target"), "old");
   fs::create_symlink("target", home_.file("d/second"));
   fs::create_symlink("d/second", home_.file("relative"));
   fs::create_symlink(home_.file("d/target"), home_.file("absolute"));
   for (const char* link : {"relative", "absolute"}) {
     ASSERT_EQ(errorOf(replaceFile(home_.file(link), link)), 0);
     EXPECT_TRUE(fs::is_symlink(home_.file(link)));
-    EXPECT_EQ(test::readFile(home_.file("d/target")), link);
+    EXPECT_EQ(readFile(home_.file("d/target")), link);
   }
   EXPECT_TRUE(fs::is_symlink(home_.file("d/second")));
   EXPECT_EQ(entries(home_.file("d")), (std::vector<std::string>{"second", "target"}));
@@ -176,7 +176,7 @@ TEST_F(FilesTest, ReplaceWritesThroughADanglingLink) {
   fs::create_symlink("d/new", home_.file("link"));
   ASSERT_EQ(errorOf(replaceFile(home_.file("link"), "x")), 0);
   EXPECT_TRUE(fs::is_symlink(home_.file("link")));
-  EXPECT_EQ(test::readFile(home_.file("d/new")), "x");
+  EXPECT_EQ(readFile(home_.file("d/new")), "x");
   fs::create_symlink("nowhere/new", home_.file("lost"));
   EXPECT_EQ(errorOf(replaceFile(home_.file("lost"), "x")), ENOENT);
 }
@@ -198,7 +198,7 @@ TEST_F(FilesTest, ReplaceTakesOnlyRegularFiles) {
 }
 
 TEST_F(FilesTest, AFileSizeLimitLeavesTheOldFile) {
-  test::writeFile(home_.file("f"), "old");
+  writeFile(home_.file("f"), "old");
   const std::string path = home_.file("f");
   EXPECT_EQ(inChild([&] {
               std::signal(SIGXFSZ, SIG_IGN);
@@ -207,13 +207,13 @@ TEST_F(FilesTest, AFileSizeLimitLeavesTheOldFile) {
               return errorOf(replaceFile(path, std::string(5000, 'x')));
             }),
             EFBIG);
-  EXPECT_EQ(test::readFile(path), "old");
+  EXPECT_EQ(readFile(path), "old");
   EXPECT_EQ(entries(home_.path()), std::vector<std::string>{"f"});
 }
 
 TEST_F(FilesTest, AReadOnlyDirectoryLeavesTheOldFile) {
   const std::string path = home_.file("d/f");
-  test::writeFile(path, "old");
+  writeFile(path, "old");
   ASSERT_EQ(chmod(home_.path().c_str(), 0755), 0);
   ASSERT_EQ(chmod(path.c_str(), 0666), 0);
   ASSERT_EQ(chmod(home_.file("d").c_str(), 0555), 0);
@@ -229,7 +229,7 @@ TEST_F(FilesTest, AReadOnlyDirectoryLeavesTheOldFile) {
             }),
             EACCES);
   ASSERT_EQ(chmod(home_.file("d").c_str(), 0755), 0);
-  EXPECT_EQ(test::readFile(path), "old");
+  EXPECT_EQ(readFile(path), "old");
   EXPECT_EQ(entries(home_.file("d")), std::vector<std::string>{"f"});
 }
 
@@ -259,4 +259,4 @@ TEST_F(FilesTest, ReadersNeverSeeAPart) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -14,7 +14,7 @@
 #include "core/text.h"
 #include "core/utf8.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 /// Checks that each prefix of `codePoints` has as many clusters as it has places that `breaksBefore` marks. As whether
@@ -113,4 +113,4 @@ TEST(GraphemeBreakTest, AgreesWithTheRulesForEverySequenceOfFourKinds) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -9,12 +9,10 @@
 #include "core/json_writer.h"
 #include "tests/support/json_text.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
-using test::nestedArrays;
-
-std::string rewritten(std::string_view text) { return writeCompactJSON(test::parsed(text)); }
+std::string rewritten(std::string_view text) { return writeCompactJSON(parsed(text)); }
 
 TEST(ReadJSONTest, ReadsEveryKindOfValue) {
   for (const char* text : {"null", "true", "false", "0", "\"\"", "[]", "{}", "\"text\"",
@@ -151,7 +149,7 @@ TEST(ReadJSONTest, RefusesTextThatIsNotUTF8) {
 }
 
 TEST(ReadJSONTest, DecodesEscapes) {
-  const JSON value = test::parsed(R"("\"\\\/\b\f\n\r\t\u0000\u0041\u00e9\u20AC\ud83d\ude00")");
+  const JSON value = parsed(R"("\"\\\/\b\f\n\r\t\u0000\u0041\u00e9\u20AC\ud83d\ude00")");
   ASSERT_NE(value.asString(), nullptr);
   EXPECT_EQ(*value.asString(), std::string("\"\\/\b\f\n\r\t\0A\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", 19));
 }
@@ -171,8 +169,8 @@ TEST(ReadJSONTest, OfDuplicateKeysTheLastStays) {
 
 TEST(ReadJSONTest, KeysAreKeptApartByTheirBytes) {
   // Precomposed and decomposed é are different keys.
-  EXPECT_EQ(test::parsedObject("{\"\xC3\xA9\":1,\"e\xCC\x81\":2}").size(), 2U);
-  EXPECT_EQ(test::parsedObject(R"({"":1,"\u0000":2,"a":3,"A":4})").size(), 4U);
+  EXPECT_EQ(parsedObject("{\"\xC3\xA9\":1,\"e\xCC\x81\":2}").size(), 2U);
+  EXPECT_EQ(parsedObject(R"({"":1,"\u0000":2,"a":3,"A":4})").size(), 4U);
 }
 
 TEST(ReadJSONTest, FollowsNestingUpToTheLimitAndTellsWhatIsDeeper) {
@@ -203,12 +201,12 @@ TEST(ReadJSONTest, LargeFlatTextTakesLinearTime) {
   for (int i = 0; objects.size() < 1000000; ++i) objects += "\"k" + std::to_string(i) + "\":0,";
   objects += "\"k0\":1}";
   const auto start = std::chrono::steady_clock::now();
-  const JSON::Object object = test::parsedObject(objects);
+  const JSON::Object object = parsedObject(objects);
   // Comparing each key with all others would take minutes.
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
   EXPECT_GT(object.size(), 80000U);
   EXPECT_EQ(*object.find("k0"), JSON(1));
-  EXPECT_EQ(test::parsed("[" + std::string(500000, ' ') + "]"), JSON(JSON::Array()));
+  EXPECT_EQ(parsed("[" + std::string(500000, ' ') + "]"), JSON(JSON::Array()));
 }
 
 TEST(ReadJSONTest, LongStringsPassWhole) {
@@ -223,4 +221,4 @@ TEST(ReadJSONObjectTest, TakesObjectsOnly) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -9,7 +9,7 @@
 
 #include "tests/support/json_text.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 std::vector<std::string> keysOf(const JSON::Object& object) {
@@ -72,8 +72,8 @@ TEST(JSONTest, EqualityTellsKindAndContentApart) {
   EXPECT_NE(JSON(), JSON(false));
   EXPECT_NE(JSON(JSON::Number{"1.0"}), JSON(1));
   EXPECT_NE(JSON(JSON::Array()), JSON(JSON::Object()));
-  EXPECT_EQ(test::parsed(R"({"a":[1,{"b":null}]})"), test::parsed(R"({"a":[1,{"b":null}]})"));
-  EXPECT_NE(test::parsed(R"({"a":[1,{"b":null}]})"), test::parsed(R"({"a":[1,{"b":0}]})"));
+  EXPECT_EQ(parsed(R"({"a":[1,{"b":null}]})"), parsed(R"({"a":[1,{"b":null}]})"));
+  EXPECT_NE(parsed(R"({"a":[1,{"b":null}]})"), parsed(R"({"a":[1,{"b":0}]})"));
 }
 
 TEST(JSONObjectTest, KeepsTheOrderOfInsertion) {
@@ -146,4 +146,4 @@ TEST(JSONTest, VisitReachesTheHeldValue) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -8,10 +8,8 @@
 #include "core/json_reader.h"
 #include "tests/support/json_text.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
-
-using test::parsed;
 
 TEST(WriteCompactJSONTest, WritesWithoutWhiteSpaceInTheMembersOrder) {
   EXPECT_EQ(writeCompactJSON(parsed(R"( { "z" : [ 1 , { } , [ ] ] , "a" : null , "" : true } )")),
@@ -94,7 +92,7 @@ TEST(WriteJSONTest, NumbersComeOutAsTheyWentIn) {
 }
 
 TEST(WriteJSONTest, TheDeepestReadableValueCanBeWritten) {
-  const std::string arrays = test::nestedArrays(maxReadNesting, "1");
+  const std::string arrays = nestedArrays(maxReadNesting, "1");
   EXPECT_EQ(writeCompactJSON(parsed(arrays)), arrays);
   EXPECT_EQ(writeCompactJSON(parsed(writePrettyJSON(parsed(arrays)))), arrays);
 }
@@ -109,4 +107,4 @@ TEST(WriteJSONTest, WhatIsWrittenReadsBackAsTheSame) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

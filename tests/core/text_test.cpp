@@ -11,7 +11,7 @@
 
 #include "core/utf8.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 using testing::ElementsAre;
@@ -227,4 +227,4 @@ TEST(CharacterCountTest, EachOffendingByteIsACharacterOfItsOwn) {
 TEST(CharacterCountTest, TakesTextWithZeros) { EXPECT_EQ(characterCount(std::string_view("a\0b", 3)), 3U); }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

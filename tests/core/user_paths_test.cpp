@@ -4,11 +4,8 @@
 
 #include "tests/support/fake_platform.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
-
-using test::FakeHome;
-using test::fakePlatform;
 
 TEST(PathTest, JoinPutsOneSlashBetween) {
   EXPECT_EQ(joinPath("/a", "b"), "/a/b");
@@ -54,4 +51,4 @@ TEST(UserPathsTest, ApplicationSupportIsThePlatformsOrLiesUnderTheHome) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 /// Whether `bytes` is well-formed, written down from the table of well-formed byte sequences (Unicode, table 3-7).
@@ -108,4 +108,4 @@ TEST(UTF8Test, DecodingReportsAFault) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -5,16 +5,16 @@
 #include "tests/property/generators.h"
 #include "tools/local/augments.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 rc::Gen<std::string> augmentText() {
-  return test::textOf({"---", "---", "\n---", "\n", "\r\n", "name", "category", "axis", ":", "\"", " ", "\u3000", "x",
-                       "Ä", "-", "\u2028", "\xFF"});
+  return textOf({"---", "---", "\n---", "\n", "\r\n", "name", "category", "axis", ":", "\"", " ", "\u3000", "x", "Ä",
+                 "-", "\u2028", "\xFF"});
 }
 
 RC_GTEST_PROP(AugmentProperty, AnyTextParsesOrIsRefusedAlikeEachTime, ()) {
-  const std::string text = *rc::gen::oneOf(augmentText(), test::anyText(), rc::gen::arbitrary<std::string>());
+  const std::string text = *rc::gen::oneOf(augmentText(), anyText(), rc::gen::arbitrary<std::string>());
   const std::optional<CatalogAugment> augment = parseUserAugment(text, "an-id");
   RC_ASSERT(parseUserAugment(text, "an-id") == augment);
   if (!augment) return;
@@ -35,9 +35,9 @@ RC_GTEST_PROP(AugmentProperty, OnlyTheTwoMarksDecideWhetherTextIsAnAugment, ()) 
 }
 
 RC_GTEST_PROP(AugmentProperty, QuotedValuesComeBackWhole, ()) {
-  const std::string value = *rc::gen::suchThat(test::textOf({"a", "Ä", " ", "\u3000", ":", "-", "#"}),
+  const std::string value = *rc::gen::suchThat(textOf({"a", "Ä", " ", "\u3000", ":", "-", "#"}),
                                                [](const std::string& candidate) { return !candidate.empty(); });
-  const std::string body = *test::anyText();
+  const std::string body = *anyText();
   const std::optional<CatalogAugment> augment = parseUserAugment("---\nname: \"" + value + "\"\n---\n" + body, "an-id");
   RC_ASSERT(augment.has_value());
   RC_ASSERT(augment->name == value);
@@ -45,4 +45,4 @@ RC_GTEST_PROP(AugmentProperty, QuotedValuesComeBackWhole, ()) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

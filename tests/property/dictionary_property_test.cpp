@@ -4,31 +4,31 @@
 #include "tests/property/generators.h"
 #include "tools/local/dictionary.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 rc::Gen<std::string> dictionaryText() {
-  return test::textOf({"[replacements]",
-                       "[Fillers]",
-                       "[CORRECTIONS]",
-                       "[disabled]",
-                       "[",
-                       "]",
-                       "\n",
-                       "\n",
-                       "\r\n",
-                       "\u2028",
-                       " ",
-                       "\u3000",
-                       "#",
-                       ",",
-                       "->",
-                       "-",
-                       ">",
-                       "um",
-                       "Ä",
-                       "\xFF",
-                       "\u0130"});
+  return textOf({"[replacements]",
+                 "[Fillers]",
+                 "[CORRECTIONS]",
+                 "[disabled]",
+                 "[",
+                 "]",
+                 "\n",
+                 "\n",
+                 "\r\n",
+                 "\u2028",
+                 " ",
+                 "\u3000",
+                 "#",
+                 ",",
+                 "->",
+                 "-",
+                 ">",
+                 "um",
+                 "Ä",
+                 "\xFF",
+                 "\u0130"});
 }
 
 rc::Gen<std::string> header() {
@@ -57,7 +57,7 @@ std::string printed(const ReplacementsOverlay& overlay) {
 }
 
 RC_GTEST_PROP(DictionaryProperty, AnyTextParsesAndParsesAlikeEachTime, ()) {
-  const std::string text = *rc::gen::oneOf(dictionaryText(), test::anyText(), rc::gen::arbitrary<std::string>());
+  const std::string text = *rc::gen::oneOf(dictionaryText(), anyText(), rc::gen::arbitrary<std::string>());
   RC_ASSERT(parseReplacementsOverlay(text) == parseReplacementsOverlay(text));
 }
 
@@ -82,7 +82,7 @@ RC_GTEST_PROP(DictionaryProperty, FilesThatBeginWithAHeaderAddUp, ()) {
 
 RC_GTEST_PROP(DictionaryProperty, TheKindOfNewlineDoesNotMatter, ()) {
   const std::vector<std::string> lines = *rc::gen::container<std::vector<std::string>>(
-      rc::gen::oneOf(header(), test::textOf({"a", " ", ",", "->", "#", "-", ">"})));
+      rc::gen::oneOf(header(), textOf({"a", " ", ",", "->", "#", "-", ">"})));
   const auto textWith = [&lines](const std::string& newline) {
     std::string text;
     for (const std::string& line : lines) text += line + newline;
@@ -94,4 +94,4 @@ RC_GTEST_PROP(DictionaryProperty, TheKindOfNewlineDoesNotMatter, ()) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -9,7 +9,7 @@
 #include "core/json_writer.h"
 #include "tests/property/generators.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 rc::Gen<std::string> digits(int fewest, int most) {
@@ -53,7 +53,7 @@ rc::Gen<JSON> anyJSON(int depth) {
       case 3:
         return *anyNumber();
       case 4:
-        return JSON(*test::anyText());
+        return JSON(*anyText());
       case 5: {
         JSON::Array array;
         for (int count = *rc::gen::element(0, 1, 2, 3, 4); count > 0; --count) array.push_back(*anyJSON(depth - 1));
@@ -62,7 +62,7 @@ rc::Gen<JSON> anyJSON(int depth) {
       default: {
         JSON::Object object;
         for (int count = *rc::gen::element(0, 1, 2, 3, 4); count > 0; --count) {
-          object.set(*test::anyText(), *anyJSON(depth - 1));
+          object.set(*anyText(), *anyJSON(depth - 1));
         }
         return JSON(std::move(object));
       }
@@ -117,7 +117,7 @@ RC_GTEST_PROP(JSONProperty, NumbersKeepEveryDigit, ()) {
 RC_GTEST_PROP(JSONProperty, AnyTextIsReadOrRefused, ()) {
   const std::string text = *rc::gen::oneOf(
       rc::gen::arbitrary<std::string>(),
-      test::textOf({"{", "}", "[", "]", ",", ":", "\"", "\\", "u", "1", "-", ".", "e", "true", "null", " ", "\xFF"}));
+      textOf({"{", "}", "[", "]", ",", ":", "\"", "\\", "u", "1", "-", ".", "e", "true", "null", " ", "\xFF"}));
   const JSONReadResult result = readJSON(text);
   if (result.outcome == JSONReadOutcome::ok) {
     RC_ASSERT(readJSON(writeCompactJSON(result.value)).value == result.value);
@@ -127,4 +127,4 @@ RC_GTEST_PROP(JSONProperty, AnyTextIsReadOrRefused, ()) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

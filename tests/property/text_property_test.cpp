@@ -7,11 +7,8 @@
 #include "core/utf8.h"
 #include "tests/property/generators.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
-
-using test::anyText;
-using test::troublesomeText;
 
 std::string joined(const std::vector<std::string_view>& pieces, std::string_view separator) {
   std::string text;
@@ -71,7 +68,7 @@ RC_GTEST_PROP(TextProperty, LinesJoinedAgainSplitAlike, ()) {
 }
 
 RC_GTEST_PROP(TextProperty, PiecesJoinedAgainAreTheText, ()) {
-  const std::string text = *test::textOf({"a", "-", ">", "->", ",", " "});
+  const std::string text = *textOf({"a", "-", ">", "->", ",", " "});
   for (const std::string separator : {",", "->"}) {
     const std::vector<std::string_view> pieces = splitAt(text, separator);
     RC_ASSERT(joined(pieces, separator) == text);
@@ -108,4 +105,4 @@ RC_GTEST_PROP(TextProperty, CharactersOnTwoSidesOfALineFeedAddUp, ()) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

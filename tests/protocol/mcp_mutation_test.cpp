@@ -10,11 +10,9 @@
 #include "core/json_writer.h"
 #include "tests/support/json_text.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
-using test::parsed;
-using test::parsedObject;
 using Code = MCPMutationErrorCode;
 
 const std::vector<std::pair<Code, std::string>> codes = {
@@ -63,9 +61,9 @@ TEST(EncodeRequestTest, WritesMethodAndArgumentsAndOneLineFeed) {
   const std::string bytes = encodeMCPMutationRequest("set_input_device", {{"name", "USB Mic"}});
   EXPECT_EQ(bytes.back(), '\n');
   EXPECT_EQ(std::count(bytes.begin(), bytes.end(), '\n'), 1);
-  EXPECT_EQ(test::canonical(bytes), test::canonical(R"({"method":"set_input_device","args":{"name":"USB Mic"}})"));
-  EXPECT_EQ(test::canonical(encodeMCPMutationRequest("get_insights", {})),
-            test::canonical(R"({"method":"get_insights","args":{}})"));
+  EXPECT_EQ(canonical(bytes), canonical(R"({"method":"set_input_device","args":{"name":"USB Mic"}})"));
+  EXPECT_EQ(canonical(encodeMCPMutationRequest("get_insights", {})),
+            canonical(R"({"method":"get_insights","args":{}})"));
 }
 
 TEST(EncodeRequestTest, IsCompactWithPlainSlashes) {
@@ -99,7 +97,7 @@ TEST(EncodeSuccessTest, TakesAnyValue) {
   for (const char* result : {"{}", "[]", R"({"path":"a/b"})", "null", "true", "1.50", "\"text\"", "[1,[2]]"}) {
     const std::string bytes = encodeMCPMutationSuccess(parsed(result));
     EXPECT_EQ(bytes.find('\n'), bytes.size() - 1);
-    EXPECT_EQ(test::canonical(bytes), test::canonical(R"({"ok":true,"result":)" + std::string(result) + "}"));
+    EXPECT_EQ(canonical(bytes), canonical(R"({"ok":true,"result":)" + std::string(result) + "}"));
     EXPECT_EQ(bytes.find("\\/"), std::string::npos);
     EXPECT_EQ(described(bytes), "success " + std::string(result));
   }
@@ -109,12 +107,11 @@ TEST(EncodeErrorTest, HoldsCodeAndMessageAndDataOnlyIfGiven) {
   const std::string bytes = encodeMCPMutationError(Code::consentDenied, "a/b");
   EXPECT_EQ(bytes.find('\n'), bytes.size() - 1);
   EXPECT_EQ(bytes.find("\\/"), std::string::npos);
-  EXPECT_EQ(test::canonical(bytes),
-            test::canonical(R"({"ok":false,"error":{"code":"consent_denied","message":"a/b"}})"));
+  EXPECT_EQ(canonical(bytes), canonical(R"({"ok":false,"error":{"code":"consent_denied","message":"a/b"}})"));
   for (const char* data : {"null", "{}", "[1]", "\"x\"", "0"}) {
-    EXPECT_EQ(test::canonical(encodeMCPMutationError(Code::slotBudgetFull, "", parsed(data))),
-              test::canonical(R"({"ok":false,"error":{"code":"slot_budget_full","message":"","data":)" +
-                              std::string(data) + "}}"));
+    EXPECT_EQ(
+        canonical(encodeMCPMutationError(Code::slotBudgetFull, "", parsed(data))),
+        canonical(R"({"ok":false,"error":{"code":"slot_budget_full","message":"","data":)" + std::string(data) + "}}"));
   }
 }
 
@@ -198,8 +195,8 @@ TEST(DecodeResponseTest, DataIsTakenWhateverItsType) {
 }
 
 TEST(DecodeResponseTest, NestingBeyondTheReadersLimitIsMalformed) {
-  const auto response = [](std::size_t levels) { return R"({"ok":true,"result":)" + test::nestedArrays(levels) + "}"; };
-  EXPECT_EQ(described(response(maxReadNesting - 1)), "success " + test::nestedArrays(maxReadNesting - 1));
+  const auto response = [](std::size_t levels) { return R"({"ok":true,"result":)" + nestedArrays(levels) + "}"; };
+  EXPECT_EQ(described(response(maxReadNesting - 1)), "success " + nestedArrays(maxReadNesting - 1));
   EXPECT_EQ(described(response(maxReadNesting)), "malformed " + noObject);
   EXPECT_EQ(described(response(500000)), "malformed " + noObject);
 }
@@ -229,4 +226,4 @@ TEST(DecodeRequestTest, TakesMethodAndArguments) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

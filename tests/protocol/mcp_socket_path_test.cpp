@@ -7,11 +7,8 @@
 
 #include "tests/support/fake_platform.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
-
-using test::FakeHome;
-using test::fakePlatform;
 
 TEST(MCPSocketPathTest, LiesUnderThePlatformsApplicationSupport) {
   const FakeHome home;
@@ -49,4 +46,4 @@ TEST(MCPSocketPathTest, NoEnvironmentVariableOverridesIt) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -9,7 +9,7 @@
 #include "tests/support/tool_count.h"
 #include "tools/all_tools.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 using enum MCPToolset;
@@ -67,7 +67,7 @@ TEST(MCPToolsetSetTest, HoldsWhatWasPutIn) {
 }
 
 TEST(CatalogueTest, HoldsEveryToolAndNoOtherName) {
-  ASSERT_EQ(allTools().size(), test::toolCount);
+  ASSERT_EQ(allTools().size(), toolCount);
   for (const ToolHandle& tool : allTools()) EXPECT_NE(catalogueEntry(tool.name), nullptr) << tool.name;
   for (const char* name : {"", "Speak", "speak ", "list_replacements", "set_settings"}) {
     EXPECT_EQ(catalogueEntry(name), nullptr) << name;
@@ -104,4 +104,4 @@ TEST(CatalogueTest, HintsAreTheOnesDecided) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

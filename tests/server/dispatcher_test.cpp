@@ -11,15 +11,8 @@
 #include "tests/support/server_run.h"
 #include "tools/local/version.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
-
-using test::answerTo;
-using test::applicationAnswering;
-using test::canonical;
-using test::FakeHome;
-using test::fakePlatform;
-using test::handleOneLine;
 
 std::string resultFor(std::string_view id, std::string_view result) {
   return canonical(R"({"jsonrpc":"2.0","id":)" + std::string(id) + R"(,"result":)" + std::string(result) + "}");
@@ -27,7 +20,7 @@ std::string resultFor(std::string_view id, std::string_view result) {
 
 std::string errorFor(std::string_view id, int code, const std::string& message) {
   return writePrettyJSON(JSON::Object{
-      {"jsonrpc", "2.0"}, {"id", test::parsed(id)}, {"error", JSON::Object{{"code", code}, {"message", message}}}});
+      {"jsonrpc", "2.0"}, {"id", parsed(id)}, {"error", JSON::Object{{"code", code}, {"message", message}}}});
 }
 
 const std::string parseError = errorFor("null", -32700, "Parse error");
@@ -39,7 +32,7 @@ class DispatcherTest : public testing::Test {
 
   /// The text of the tool's result; fails the test if the answer is anything but a tool result.
   static std::string toolText(std::string_view line) {
-    const JSON::Object message = test::parsedObject(answerTo(line));
+    const JSON::Object message = parsedObject(answerTo(line));
     const JSON* result = message.find("result");
     if (result == nullptr) {
       ADD_FAILURE() << writeCompactJSON(message);
@@ -88,7 +81,7 @@ TEST_F(DispatcherTest, WithoutAnIdNothingRunsAndNothingIsWritten) {
         R"({"id":1,"id":null})", R"({"method":"tools/call","params":{"name":"slate_open"}})",
         R"({"method":"tools/list"})",
         R"({"method":"tools/call","params":{"name":"remember_preference","arguments":{"note":"x"}}})"}) {
-    const test::ServerOutput result = handleOneLine(line);
+    const ServerOutput result = handleOneLine(line);
     EXPECT_EQ(result.output, "") << line;
     EXPECT_EQ(result.diagnostics, "") << line;
   }
@@ -121,7 +114,7 @@ TEST_F(DispatcherTest, InitializeIgnoresItsParams) {
 TEST_F(DispatcherTest, UnknownMethodsAreNamedUnchanged) {
   for (const char* name : {"", "Ping", "PING", "ping ", " ping", "tools/List", "notifications/initialized", "a/b",
                            R"(\u0000\n\"\\é)", "resources/read"}) {
-    const std::string unescaped = *test::parsed("\"" + std::string(name) + "\"").asString();
+    const std::string unescaped = *parsed("\"" + std::string(name) + "\"").asString();
     EXPECT_EQ(answerTo(R"({"id":1,"method":")" + std::string(name) + "\"}"),
               errorFor("1", -32601, "Method not found: " + unescaped));
   }
@@ -134,10 +127,9 @@ TEST_F(DispatcherTest, UnknownMethodsAreNamedUnchanged) {
 
 TEST_F(DispatcherTest, ToolsListIsTheRegistrys) {
   const std::string list = canonical(answerTo(R"({"id":1,"method":"tools/list","params":{"cursor":"x"}})"));
-  EXPECT_EQ(
-      list,
-      writePrettyJSON(JSON::Object{
-          {"jsonrpc", "2.0"}, {"id", 1}, {"result", JSON::Object{{"tools", test::fullRegistry().listEntries()}}}}));
+  EXPECT_EQ(list,
+            writePrettyJSON(JSON::Object{
+                {"jsonrpc", "2.0"}, {"id", 1}, {"result", JSON::Object{{"tools", fullRegistry().listEntries()}}}}));
   const ToolRegistry none(false, {MCPToolset::computer}, true);
   EXPECT_EQ(canonical(handleOneLine(R"({"id":1,"method":"tools/list"})", none).output),
             resultFor("1", R"({"tools":[]})"));
@@ -155,7 +147,7 @@ TEST_F(DispatcherTest, AToolNeedsAName) {
 
 TEST_F(DispatcherTest, UnknownToolsAreNamedUnchanged) {
   for (const char* name : {"", "nothing", "Get_slate", "get_slate ", R"(\u0000\u0007\n/é)"}) {
-    const std::string unescaped = *test::parsed("\"" + std::string(name) + "\"").asString();
+    const std::string unescaped = *parsed("\"" + std::string(name) + "\"").asString();
     EXPECT_EQ(answerTo(R"({"id":"x","method":"tools/call","params":{"name":")" + std::string(name) + "\"}}"),
               errorFor("\"x\"", -32602, "Unknown tool: " + unescaped));
   }
@@ -199,7 +191,7 @@ TEST_F(DispatcherTest, AnArrayIsAResultAndABareScalarIsNot) {
   }
   for (const char* result : {"5", "null", "true", "\"text\"", "1.5"}) {
     const auto application = applicationAnswering(R"({"ok":true,"result":)" + std::string(result) + "}");
-    const JSON::Object message = test::parsedObject(answerTo(call));
+    const JSON::Object message = parsedObject(answerTo(call));
     ASSERT_NE(message.find("error"), nullptr) << result;
     EXPECT_EQ(message.find("result"), nullptr);
     EXPECT_EQ(*message.find("id"), JSON(9));
@@ -223,8 +215,7 @@ TEST_F(DispatcherTest, TheBridgesErrorsKeepCodeMessageAndData) {
 TEST_F(DispatcherTest, ARequestThatCannotBeEncodedIsAnInternalError) {
   const auto application = applicationAnswering(R"({"ok":true})");
   setStartupValues({"\xFF", false});
-  const JSON::Object message =
-      test::parsedObject(answerTo(R"({"id":1,"method":"tools/call","params":{"name":"speak"}})"));
+  const JSON::Object message = parsedObject(answerTo(R"({"id":1,"method":"tools/call","params":{"name":"speak"}})"));
   const JSON::Object& error = *message.find("error")->asObject();
   EXPECT_EQ(*error.find("code"), JSON(-32603));
   EXPECT_TRUE(error.find("message")->asString()->starts_with("Internal error: "));
@@ -233,22 +224,21 @@ TEST_F(DispatcherTest, ARequestThatCannotBeEncodedIsAnInternalError) {
 
 TEST_F(DispatcherTest, AListThatCannotBeSerialisedIsReportedAndStaysUnanswered) {
   fakePlatform().applicationSupport = "\xFF";
-  const test::ServerOutput result = handleOneLine(R"({"id":1,"method":"tools/list"})");
+  const ServerOutput result = handleOneLine(R"({"id":1,"method":"tools/list"})");
   EXPECT_EQ(result.output, "");
   EXPECT_EQ(result.diagnostics, "orvane-mcp: failed to serialize response\n");
 }
 
 TEST_F(DispatcherTest, AfterAnUnserialisableListTheServerGoesOn) {
   fakePlatform().applicationSupport = "\xFF";
-  const test::ServerOutput result =
-      test::runServer("{\"id\":1,\"method\":\"tools/list\"}\n{\"id\":2,\"method\":\"ping\"}\n");
+  const ServerOutput result = runServer("{\"id\":1,\"method\":\"tools/list\"}\n{\"id\":2,\"method\":\"ping\"}\n");
   EXPECT_EQ(canonical(result.output), resultFor("2", "{}"));
   EXPECT_EQ(result.diagnostics, "orvane-mcp: failed to serialize response\n");
 }
 
 TEST_F(DispatcherTest, ALineThatIsNotUTF8IsDroppedWithADiagnostic) {
   for (const char* line : {"\xFF", "{\"id\":1,\"method\":\"\xC3\"}", "{\"id\":\"\xED\xA0\x80\",\"method\":\"ping\"}"}) {
-    const test::ServerOutput result = handleOneLine(line);
+    const ServerOutput result = handleOneLine(line);
     EXPECT_EQ(result.output, "");
     EXPECT_EQ(result.diagnostics, "orvane-mcp: dropping non-UTF-8 line\n");
   }
@@ -256,7 +246,7 @@ TEST_F(DispatcherTest, ALineThatIsNotUTF8IsDroppedWithADiagnostic) {
 
 /// A ping whose params hold `inner` below `containers` arrays.
 std::string nestedPing(std::size_t containers, std::string_view inner) {
-  return R"({"id":1,"method":"ping","params":)" + test::nestedArrays(containers, inner) + "}";
+  return R"({"id":1,"method":"ping","params":)" + nestedArrays(containers, inner) + "}";
 }
 
 TEST_F(DispatcherTest, ThirtyLevelsBelowTheMessageAreTheLimit) {
@@ -273,20 +263,20 @@ TEST_F(DispatcherTest, ThirtyLevelsBelowTheMessageAreTheLimit) {
 }
 
 TEST_F(DispatcherTest, DepthCountsInEveryMember) {
-  const std::string deep = test::nestedArrays(31, "1");
+  const std::string deep = nestedArrays(31, "1");
   EXPECT_EQ(answerTo(R"({"method":"ping","id":)" + deep + "}"), depthError);
   EXPECT_EQ(answerTo(R"({"method":"ping","id":1,"unknown":)" + deep + "}"), depthError);
   EXPECT_EQ(answerTo(R"({"method":"notification","unknown":)" + deep + "}"), depthError) << "even a notification";
   EXPECT_EQ(answerTo(R"({"id":1,"method":"ping","wide":[1,[],{},)" + deep + ",1]}"), depthError);
-  EXPECT_EQ(answerTo(R"({"id":)" + test::nestedArrays(30, "1") + R"(,"method":"ping"})"),
-            resultFor(test::nestedArrays(30, "1"), "{}"));
+  EXPECT_EQ(answerTo(R"({"id":)" + nestedArrays(30, "1") + R"(,"method":"ping"})"),
+            resultFor(nestedArrays(30, "1"), "{}"));
 }
 
 TEST_F(DispatcherTest, ExtremeDepthIsAnsweredToo) {
   for (const std::size_t levels : {std::size_t{511}, std::size_t{512}, std::size_t{513}, std::size_t{500000}}) {
     EXPECT_EQ(answerTo(nestedPing(levels, "")), depthError) << levels;
     EXPECT_EQ(answerTo("  " + nestedPing(levels, "")), depthError) << levels;
-    EXPECT_EQ(answerTo(test::nestedArrays(levels)), parseError) << levels;
+    EXPECT_EQ(answerTo(nestedArrays(levels)), parseError) << levels;
   }
   EXPECT_EQ(answerTo(std::string(1048576, '[')), parseError);
   // Closed too early or never: deeper than anything worth reading.
@@ -295,4 +285,4 @@ TEST_F(DispatcherTest, ExtremeDepthIsAnsweredToo) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -21,7 +21,7 @@
 #include "core/descriptor.h"
 #include "core/descriptor_io.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 constexpr std::size_t mebibyte = 1048576;
@@ -279,4 +279,4 @@ TEST(LineInputFailureTest, AFailedReadIsAnEnd) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -14,12 +14,10 @@
 #include "tests/support/tool_count.h"
 #include "tools/all_tools.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 using enum MCPToolset;
-using test::FakeHome;
-using test::fakePlatform;
 using Names = std::vector<std::string>;
 
 constexpr MCPToolsetSet everything = MCPToolsetSet::all();
@@ -41,9 +39,9 @@ class ToolRegistryTest : public testing::Test {
 
 TEST_F(ToolRegistryTest, ByDefaultAllAreListedInAscendingOrder) {
   const Names names = namesFor(false, everything, false);
-  EXPECT_EQ(names.size(), test::toolCount);
+  EXPECT_EQ(names.size(), toolCount);
   EXPECT_TRUE(std::is_sorted(names.begin(), names.end()));
-  EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(), test::toolCount);
+  EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(), toolCount);
 }
 
 TEST_F(ToolRegistryTest, ReadOnlyLeavesTheSixteenThatRead) {
@@ -67,7 +65,7 @@ TEST_F(ToolRegistryTest, OneSharedToolsetIsEnough) {
 TEST_F(ToolRegistryTest, TheAssistantIsNotOfferedSpeech) {
   EXPECT_EQ(namesFor(true, {voice}, false), (Names{"list_tts_voices"}));
   const Names names = namesFor(true, everything, false);
-  EXPECT_EQ(names.size(), test::toolCount - 1);
+  EXPECT_EQ(names.size(), toolCount - 1);
   EXPECT_EQ(std::count(names.begin(), names.end(), "speak"), 0);
 }
 
@@ -139,18 +137,18 @@ TEST_F(ToolRegistryTest, HintsOfTheOddOnes) {
     }
     return {};
   };
-  EXPECT_EQ(hintsOf("speak"), test::canonical(R"({"readOnlyHint":false,"destructiveHint":false,
+  EXPECT_EQ(hintsOf("speak"), canonical(R"({"readOnlyHint":false,"destructiveHint":false,
                                                   "idempotentHint":false,"openWorldHint":false})"));
-  EXPECT_EQ(hintsOf("computer_read"), test::canonical(R"({"readOnlyHint":false,"destructiveHint":true,
+  EXPECT_EQ(hintsOf("computer_read"), canonical(R"({"readOnlyHint":false,"destructiveHint":true,
                                                           "idempotentHint":false,"openWorldHint":true})"));
-  EXPECT_EQ(hintsOf("slate_clear"), test::canonical(R"({"readOnlyHint":false,"destructiveHint":false,
+  EXPECT_EQ(hintsOf("slate_clear"), canonical(R"({"readOnlyHint":false,"destructiveHint":false,
                                                         "idempotentHint":true,"openWorldHint":false})"));
 }
 
 TEST_F(ToolRegistryTest, TheKeptTextFollowsTheDocumentationDirectory) {
   ToolRegistry registry(false, everything, false);
   const std::string atHome = registry.listEntriesText();
-  EXPECT_EQ(test::parsed(atHome), JSON(registry.listEntries()));
+  EXPECT_EQ(parsed(atHome), JSON(registry.listEntries()));
   EXPECT_NE(atHome.find(home_.file("Library/Application Support/Orvane/docs/INDEX.md")), std::string::npos);
   EXPECT_EQ(registry.listEntriesText(), atHome);
   fakePlatform().applicationSupport = "/elsewhere";
@@ -210,4 +208,4 @@ TEST_F(ToolRegistryTest, RegistrationOrderIsKept) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

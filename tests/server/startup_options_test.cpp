@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 using enum MCPToolset;
@@ -118,4 +118,4 @@ TEST(ParseToolsetsTest, AListOfAnyLengthIsRead) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

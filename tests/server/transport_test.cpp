@@ -15,11 +15,8 @@
 #include "tests/support/json_text.h"
 #include "tests/support/server_run.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
-
-using test::runServer;
-using test::ServerOutput;
 
 constexpr std::size_t mebibyte = 1048576;
 const std::string oversizeReport = "orvane-mcp: dropped oversize line (>1048576 bytes)\n";
@@ -168,7 +165,7 @@ TEST(WriteMessageTest, AMessageThatCannotBeSerialisedIsReported) {
   std::array<int, 2> diagnostics{};
   ASSERT_EQ(pipe(output.data()), 0);
   ASSERT_EQ(pipe(diagnostics.data()), 0);
-  Server server(test::fullRegistry(), -1, output[1], diagnostics[1]);
+  Server server(fullRegistry(), -1, output[1], diagnostics[1]);
   server.writeMessage(JSON::Object{{"bad", "\xFF"}});
   server.writeMessage(JSON::Object{{"good", 1}});
   std::array<char, 200> buffer{};
@@ -194,7 +191,7 @@ std::string readSlowly(bool isNonBlocking) {
     }
   });
   {
-    Server server(test::fullRegistry(), -1, ends[1], -1);
+    Server server(fullRegistry(), -1, ends[1], -1);
     server.writeMessage(JSON::Array{std::string(2 * mebibyte, 'x')});
     server.writeMessage(JSON::Array{1});
     server.handleLine(R"({"id":1,"method":"tools/list"})");
@@ -210,7 +207,7 @@ TEST(WriteMessageTest, ASlowReaderGetsAllOfIt) {
     const std::string received = readSlowly(isNonBlocking);
     const std::string expected = "[\"" + std::string(2 * mebibyte, 'x') + "\"]\n[1]\n";
     ASSERT_TRUE(received.starts_with(expected)) << isNonBlocking;
-    EXPECT_EQ(test::parsedObject(received.substr(expected.size())).size(), 3U);
+    EXPECT_EQ(parsedObject(received.substr(expected.size())).size(), 3U);
     EXPECT_EQ(received.back(), '\n');
   }
 }
@@ -260,4 +257,4 @@ TEST(OutputHandleTest, AFailureBetweenLinesIsForgotten) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -19,6 +19,7 @@ void PrintTo(const ReplacementsOverlay::Pair& pair, std::ostream* stream) {
   *stream << testing::PrintToString(pair.spoken) << " -> " << testing::PrintToString(pair.written);
 }
 
+namespace test {
 namespace {
 
 using testing::ElementsAre;
@@ -154,34 +155,33 @@ class ListReplacementsToolTest : public testing::Test {
  protected:
   std::string call() const { return writeCompactJSON(ListReplacementsTool::call({})); }
 
-  test::FakeHome home_;
+  FakeHome home_;
   const std::string path = home_.configurationFile("replacements.txt");
 };
 
 TEST_F(ListReplacementsToolTest, ReportsTheFile) {
-  test::writeFile(path,
-                  "[replacements]\r\na, b -> c/\"d\"\r\n[fillers]\r\num\r\n[corrections]\r\nno\r\n[disabled]\r\nx\r\n");
+  writeFile(path, "[replacements]\r\na, b -> c/\"d\"\r\n[fillers]\r\num\r\n[corrections]\r\nno\r\n[disabled]\r\nx\r\n");
   EXPECT_EQ(call(), R"({"additions":[{"spoken":"a","written":"c/\"d\""},{"spoken":"b","written":"c/\"d\""}],)"
                     R"("fillers":["um"],"corrections":["no"],"disabled":["x"]})");
 }
 
 TEST_F(ListReplacementsToolTest, IgnoresItsArguments) {
-  test::writeFile(path, "[fillers]\num");
+  writeFile(path, "[fillers]\num");
   EXPECT_EQ(ListReplacementsTool::call({{"fillers", false}}), ListReplacementsTool::call({}));
 }
 
 TEST_F(ListReplacementsToolTest, ReadsTheFileAfreshAndLeavesItAlone) {
   EXPECT_EQ(call(), nothing);
   EXPECT_FALSE(std::filesystem::exists(path));
-  test::writeFile(path, "[fillers]\num");
+  writeFile(path, "[fillers]\num");
   EXPECT_EQ(call(), R"({"additions":[],"fillers":["um"],"corrections":[],"disabled":[]})");
-  EXPECT_EQ(test::readFile(path), "[fillers]\num");
+  EXPECT_EQ(readFile(path), "[fillers]\num");
   std::filesystem::remove(path);
   EXPECT_EQ(call(), nothing);
 }
 
 TEST_F(ListReplacementsToolTest, AnEmptyFileIsAnEmptyOverlay) {
-  test::writeFile(path, "");
+  writeFile(path, "");
   EXPECT_EQ(call(), nothing);
 }
 
@@ -191,7 +191,7 @@ TEST_F(ListReplacementsToolTest, OneOffendingByteAnywhereEmptiesEverything) {
     for (const std::string offense : {"\xFF", "\xC3", "\x80", "\xED\xA0\x80", "\xC0\x80", "\xF4\x90\x80\x80"}) {
       std::string broken = text;
       broken.insert(position, offense);
-      test::writeFile(path, broken);
+      writeFile(path, broken);
       ASSERT_EQ(call(), nothing) << position << " " << testing::PrintToString(offense);
     }
   }
@@ -208,7 +208,7 @@ TEST_F(ListReplacementsToolTest, WhatIsNoFileIsAnEmptyOverlay) {
 
   std::filesystem::create_symlink(home_.file("gone"), path);
   EXPECT_EQ(call(), nothing);
-  test::writeFile(home_.file("gone"), "[fillers]\num");
+  writeFile(home_.file("gone"), "[fillers]\num");
   EXPECT_EQ(call(), R"({"additions":[],"fillers":["um"],"corrections":[],"disabled":[]})");
   std::filesystem::remove(path);
 
@@ -227,4 +227,5 @@ TEST_F(ListReplacementsToolTest, SaysWhatItDoesAndWarns) {
 }
 
 }  // namespace
+}  // namespace test
 }  // namespace orvane

@@ -6,11 +6,8 @@
 
 #include "tests/support/fake_platform.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
-
-using test::FakeHome;
-using test::fakePlatform;
 
 TEST(DocumentationTest, FilesLieUnderTheApplicationSupportDirectory) {
   const FakeHome home;
@@ -44,4 +41,4 @@ TEST(DocumentationTest, TheNoticeEndsAtTheIndex) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

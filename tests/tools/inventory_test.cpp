@@ -13,7 +13,7 @@
 #include "tools/documentation.h"
 #include "tools/schema.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 using testing::AnyOf;
@@ -75,8 +75,8 @@ std::vector<std::string> stringsIn(const JSON::Object& object, std::string_view 
 TEST(ToolInventoryTest, HasAllToolsUnderDifferentNames) {
   std::set<std::string_view> names;
   for (const ToolHandle& tool : allTools()) names.insert(tool.name);
-  EXPECT_EQ(allTools().size(), test::toolCount);
-  EXPECT_EQ(names.size(), test::toolCount);
+  EXPECT_EQ(allTools().size(), toolCount);
+  EXPECT_EQ(names.size(), toolCount);
 }
 
 TEST(ToolInventoryTest, NamesAreLowerSnakeCase) {
@@ -194,4 +194,4 @@ TEST(ToolInventoryTest, DescriptionsFollowTheDocumentationDirectory) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

@@ -14,7 +14,7 @@
 #include "tests/support/fake_platform.h"
 #include "tests/support/file_content.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -35,21 +35,21 @@ class PreferencesTest : public testing::Test {
     return writeCompactJSON(result);
   }
   std::string lastRecordLessTime() const {
-    std::string log = test::readFile(home_.file(".config/orvane/mcp-context-reads.jsonl"));
+    std::string log = readFile(home_.file(".config/orvane/mcp-context-reads.jsonl"));
     EXPECT_TRUE(log.ends_with('\n'));
     log.pop_back();
     JSON::Object record = readJSONObject(log.substr(log.rfind('\n') + 1)).value();
     EXPECT_TRUE(record.take("ts").has_value());
     return writeCompactJSON(record);
   }
-  std::string notes() const { return test::readFile(path()); }
+  std::string notes() const { return readFile(path()); }
   std::string path() const { return home_.file(".config/orvane/preferences.md"); }
   std::size_t entries() const {
     return static_cast<std::size_t>(
         std::distance(fs::directory_iterator(home_.file(".config/orvane")), fs::directory_iterator{}));
   }
 
-  test::FakeHome home_;
+  FakeHome home_;
 };
 
 const std::string full =
@@ -70,7 +70,7 @@ TEST_F(PreferencesTest, ReadsAbsentFileAsEmpty) {
 }
 
 TEST_F(PreferencesTest, ReadsWholeFileAndCountsCharacters) {
-  test::writeFile(path(), "e\u0301\r\n\u00e4");
+  writeFile(path(), "e\u0301\r\n\u00e4");
   EXPECT_EQ(read(), "{\"content\":\"e\u0301\\r\\n\u00e4\",\"char_count\":3}");
   EXPECT_EQ(lastRecordLessTime(), R"({"tool":"read_preferences","result":"ok","output_bytes":3})");
 }
@@ -82,7 +82,7 @@ TEST_F(PreferencesTest, SaysWhyItCannotRead) {
 }
 
 TEST_F(PreferencesTest, DoesNotReadInvalidUTF8) {
-  test::writeFile(path(), "ok \xff");
+  writeFile(path(), "ok \xff");
   EXPECT_EQ(read(), R"({"error":"could not read preferences","details":"the file is not valid UTF-8"})");
 }
 
@@ -136,12 +136,12 @@ TEST_F(PreferencesTest, LimitsTheNoteInBytes) {
 
 TEST_F(PreferencesTest, LimitsTheFileInBytes) {
   for (const std::size_t size : {32767U, 32768U}) {
-    test::writeFile(path(), std::string(size - 5, 'x') + "\n");  // the note adds four
+    writeFile(path(), std::string(size - 5, 'x') + "\n");  // the note adds four
     EXPECT_EQ(remember("y"), R"({"ok":true,"char_count":)" + std::to_string(size) + "}");
     EXPECT_EQ(notes().size(), size);
   }
   const std::string old = std::string(32764, 'x') + "\n";
-  test::writeFile(path(), old);
+  writeFile(path(), old);
   EXPECT_EQ(remember("y"), full);
   EXPECT_EQ(notes(), old);
   EXPECT_EQ(lastRecordLessTime(),
@@ -160,14 +160,14 @@ TEST_F(PreferencesTest, SeparatesFromTheExistingText) {
                                                        {"a\n\r", "a\n\r\n- n\n"},
                                                        {"a\u2028", "a\u2028\n- n\n"}};
   for (const auto& [old, expected] : cases) {
-    test::writeFile(path(), old);
+    writeFile(path(), old);
     remember("n");
     EXPECT_EQ(notes(), expected);
   }
 }
 
 TEST_F(PreferencesTest, NeverReplacesWhatItCannotRead) {
-  test::writeFile(path(), "ok \xff");
+  writeFile(path(), "ok \xff");
   EXPECT_EQ(
       remember("n"),
       "{\"error\":\"preferences file is not valid UTF-8\","
@@ -190,7 +190,7 @@ TEST_F(PreferencesTest, NeverReplacesWhatItCannotRead) {
 }
 
 TEST_F(PreferencesTest, SaysWhyItCannotWrite) {
-  test::writeFile(home_.file(".config"), "a file in the way");
+  writeFile(home_.file(".config"), "a file in the way");
   testing::internal::CaptureStderr();
   EXPECT_EQ(remember("n"), R"({"error":"could not write preferences","details":")" + errorText(EEXIST) + "\"}");
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
@@ -198,17 +198,17 @@ TEST_F(PreferencesTest, SaysWhyItCannotWrite) {
 }
 
 TEST_F(PreferencesTest, WritesThroughLinks) {
-  test::writeFile(home_.file("dotfiles/p.md"), "old\n");
+  writeFile(home_.file("dotfiles/p.md"), "old\n");
   fs::create_directories(home_.file(".config/orvane"));
   fs::create_symlink("../../dotfiles/p.md", path());
   remember("n");
   EXPECT_TRUE(fs::is_symlink(path()));
-  EXPECT_EQ(test::readFile(home_.file("dotfiles/p.md")), "old\n- n\n");
+  EXPECT_EQ(readFile(home_.file("dotfiles/p.md")), "old\n- n\n");
   fs::remove(home_.file("dotfiles/p.md"));
   EXPECT_EQ(read(), R"({"content":"","char_count":0})");
   EXPECT_EQ(remember("n"), R"({"ok":true,"char_count":4})");
   EXPECT_TRUE(fs::is_symlink(path()));
-  EXPECT_EQ(test::readFile(home_.file("dotfiles/p.md")), "- n\n");
+  EXPECT_EQ(readFile(home_.file("dotfiles/p.md")), "- n\n");
 }
 
 TEST_F(PreferencesTest, LeavesNothingElseBehind) {
@@ -217,4 +217,4 @@ TEST_F(PreferencesTest, LeavesNothingElseBehind) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

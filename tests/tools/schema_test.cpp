@@ -5,7 +5,7 @@
 #include "core/json_writer.h"
 #include "tests/support/json_text.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 std::string written(const JSON& schema) { return writeCompactJSON(schema); }
@@ -65,4 +65,4 @@ TEST(SchemaTest, FlagSchemaRequiresABooleanWithoutDescription) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

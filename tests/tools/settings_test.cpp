@@ -11,11 +11,8 @@
 #include "tests/support/file_content.h"
 #include "tests/support/json_text.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
-
-using test::FakeHome;
-using test::writeFile;
 
 class CurrentSettingsTest : public testing::Test {
  protected:
@@ -37,7 +34,7 @@ class CurrentSettingsTest : public testing::Test {
   FakeHome home_;
 };
 
-const std::string defaults = test::canonical(
+const std::string defaults = canonical(
     R"({"assistantBackend":null,"assistantEnabled":false,"assistantTriggerWord":"computer",
         "aiCorrectionEnabled":false,"dictationHotkey":"rightOption","sttModel":null,"llmModel":null,
         "inputDeviceIndex":null,"ttsEnabled":true,"agentVoices":{}})");
@@ -68,7 +65,7 @@ TEST_F(CurrentSettingsTest, EveryKeyIsReportedUnderItsName) {
                 R"({"assistantBackend":"cloud","assistantEnabled":true,"assistantTrigger":"hey","other":[1],
                     "dictationHotkey":{"name":"fn","more":5},"inputDevice":3,"contextMode":true,"llmModel":"big",
                     "sttModel":"small","ttsEnabled":false,"agentVoices":{"a":"x","b":"y"}})")),
-            test::canonical(
+            canonical(
                 R"({"assistantBackend":"cloud","assistantEnabled":true,"assistantTriggerWord":"hey",
                     "aiCorrectionEnabled":true,"dictationHotkey":"fn","sttModel":"small","llmModel":"big",
                     "inputDeviceIndex":3,"ttsEnabled":false,"agentVoices":{"a":"x","b":"y"}})"));
@@ -139,15 +136,15 @@ TEST_F(CurrentSettingsTest, TheHotkeysNameComesBeforeItsRawValue) {
 }
 
 TEST_F(CurrentSettingsTest, TheVoicesOldNameIsReportedByItsNewOne) {
-  EXPECT_EQ(test::canonical(
-                member("agentVoices", R"({"agentVoices":{"a":"heart2","b":"Heart2","heart2":"x","c":"heart2 "}})")),
-            test::canonical(R"({"a":"lumen","b":"Heart2","heart2":"x","c":"heart2 "})"));
+  EXPECT_EQ(
+      canonical(member("agentVoices", R"({"agentVoices":{"a":"heart2","b":"Heart2","heart2":"x","c":"heart2 "}})")),
+      canonical(R"({"a":"lumen","b":"Heart2","heart2":"x","c":"heart2 "})"));
 }
 
 TEST_F(CurrentSettingsTest, TheFileIsReadOnEveryCallAndNeverWritten) {
   EXPECT_EQ(member("ttsEnabled", R"({"ttsEnabled":false})"), "false");
   EXPECT_EQ(member("ttsEnabled", R"({"ttsEnabled":true})"), "true");
-  EXPECT_EQ(test::readFile(home_.configurationFile("settings.json")), R"({"ttsEnabled":true})");
+  EXPECT_EQ(readFile(home_.configurationFile("settings.json")), R"({"ttsEnabled":true})");
   std::filesystem::remove(home_.configurationFile("settings.json"));
   EXPECT_EQ(writePrettyJSON(current()), defaults);
   EXPECT_FALSE(std::filesystem::exists(home_.file(".config/orvane/settings.json")));
@@ -174,4 +171,4 @@ TEST_F(CurrentSettingsTest, DescribesItself) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

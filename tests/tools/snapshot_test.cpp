@@ -15,7 +15,7 @@
 #include "tools/all_tools.h"
 #include "tools/documentation.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -28,7 +28,7 @@ fs::path snapshotFile(const ToolHandle& tool) { return snapshotDirectory / (std:
 
 /// What tools/list says of `tool`, the hints apart, for a user whose documentation is in a fixed place.
 std::string snapshotOf(const ToolHandle& tool) {
-  test::fakePlatform().applicationSupport = "/Users/someone/Library/Application Support";
+  fakePlatform().applicationSupport = "/Users/someone/Library/Application Support";
   return writePrettyJSON(JSON::Object{{"name", tool.name},
                                       {"description", tool.description(docsDirectory())},
                                       {"inputSchema", tool.inputSchema()}}) +
@@ -41,11 +41,11 @@ class ToolSnapshotTest : public testing::Test {
     const char* rewrite = std::getenv("ORVANE_REWRITE_SNAPSHOTS");
     if (rewrite == nullptr || std::string_view(rewrite) != "1") return;
     fs::remove_all(snapshotDirectory);
-    for (const ToolHandle& tool : allTools()) test::writeFile(snapshotFile(tool), snapshotOf(tool));
+    for (const ToolHandle& tool : allTools()) writeFile(snapshotFile(tool), snapshotOf(tool));
   }
 
  private:
-  test::FakeHome home_;
+  FakeHome home_;
 };
 
 TEST_F(ToolSnapshotTest, EachToolIsAsItsSnapshotShows) {
@@ -54,7 +54,7 @@ TEST_F(ToolSnapshotTest, EachToolIsAsItsSnapshotShows) {
       ADD_FAILURE() << tool.name << " has no snapshot. " << remedy;
       continue;
     }
-    EXPECT_EQ(test::readFile(snapshotFile(tool)), snapshotOf(tool)) << tool.name << " has changed. " << remedy;
+    EXPECT_EQ(readFile(snapshotFile(tool)), snapshotOf(tool)) << tool.name << " has changed. " << remedy;
   }
 }
 
@@ -68,4 +68,4 @@ TEST_F(ToolSnapshotTest, EachSnapshotIsOfATool) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test

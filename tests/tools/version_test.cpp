@@ -10,11 +10,8 @@
 #include "tests/support/fake_platform.h"
 #include "tests/support/file_content.h"
 
-namespace orvane {
+namespace orvane::test {
 namespace {
-
-using test::FakeHome;
-using test::writeFile;
 
 constexpr const char* unknown = "0.0.0-dev";
 
@@ -125,4 +122,4 @@ TEST(OrvaneVersionToolTest, DescribesItself) {
 }
 
 }  // namespace
-}  // namespace orvane
+}  // namespace orvane::test
