@@ -13,8 +13,9 @@
 #include "audit/context_audit_log.h"
 #include "core/descriptor.h"
 #include "core/descriptor_io.h"
+#include "core/files.h"
 #include "core/json_reader.h"
-#include "core/json_writer.h"
+#include "core/user_paths.h"
 #include "core/utf8.h"
 #include "fuzz/require.h"
 #include "server/server.h"
@@ -111,14 +112,19 @@ Descriptor inputOf(char kind, std::string_view input) {
   return Descriptor(ends[0]);
 }
 
+void writeFile(const std::string& path, std::string_view content) {
+  createDirectories(parentDirectory(path));
+  require(!replaceFile(path, content), "the home can be written to");
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   // One home for all inputs: what one session leaves, the next one finds. Sessions must not depend on it.
-  static const test::PrivateHome home;
-  test::writeFile(home.configurationFile("settings.json"), R"({"assistantBackend":"local","inputDevice":1})");
-  test::writeFile(home.configurationFile("replacements.txt"), "[replacements]\nomw -> on my way\n[fillers]\num, uh\n");
-  test::writeFile(home.configurationFile("augments/mine.md"), "---\nname: Mine\n---\n");
+  static const test::FakeHome home;
+  writeFile(home.configurationFile("settings.json"), R"({"assistantBackend":"local","inputDevice":1})");
+  writeFile(home.configurationFile("replacements.txt"), "[replacements]\nomw -> on my way\n[fillers]\num, uh\n");
+  writeFile(home.configurationFile("augments/mine.md"), "---\nname: Mine\n---\n");
   return 0;
 }
 

@@ -25,13 +25,6 @@ void runUserInitiated(void* context, void (*task)(void* context)) {
   dispatch_async_f(dispatch_get_global_queue(QOS_CLASS_USER_INITIATED, 0), context, task);
 }
 
-Peer peerOf(int socket) {
-  uid_t user = 0;
-  gid_t group = 0;
-  if (getpeereid(socket, &user, &group) != 0) return {errno, 0};
-  return {0, user};
-}
-
 void suppressSigpipe(int socket) {
   const int on = 1;
   setsockopt(socket, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on);

@@ -1,5 +1,6 @@
-// What only the operating system can answer. posix.cpp holds what the systems share; linux.cpp, or darwin.cpp and
-// macos.mm, what they do not; unit tests link their own answers in place of the latter.
+// What only the operating system can answer. posix.cpp holds what the systems share, linux.cpp and darwin.cpp the calls
+// that differ. Who the user is, and what is the user's, is in linux_user.cpp, or macos.mm and darwin_peer.cpp; unit
+// tests link their own answers in place of these.
 #pragma once
 
 #include <sys/socket.h>
@@ -13,7 +14,7 @@
 
 namespace orvane::platform {
 
-/// The current user's home directory, from the user database and never from the environment.
+/// The current user's home directory, from the system's own service and not from HOME.
 std::string homeDirectory();
 
 /// The current user's Application Support directory, where the system has such a thing.

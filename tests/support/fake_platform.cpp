@@ -55,19 +55,4 @@ Peer peerOf(int socket) {
   return test::fakePlatform().peer.value_or(Peer{0, getuid()});
 }
 
-void suppressSigpipe(int) {}
-
-int sendFlags() { return MSG_NOSIGNAL; }
-
-sockaddr_un socketAddress(const std::string& path) {
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  std::memcpy(address.sun_path, path.data(), path.size());
-  return address;
-}
-
-int flushToDisk(int descriptor) { return fsync(descriptor); }
-
-void nameThread(const char*) {}
-
 }  // namespace orvane::platform

@@ -1,4 +1,4 @@
-// The answers of the operating system, under a unit test's control. Linking this replaces the system's own.
+// Who the user is and what is the user's, under a unit test's control. Linking this replaces the system's answers.
 #pragma once
 
 #include <functional>

@@ -122,7 +122,7 @@ void ServerProcess::send(std::string_view bytes) {
       continue;
     }
     if (errno != EAGAIN || std::chrono::steady_clock::now() > deadline) {
-      ADD_FAILURE() << "the program does not take its input_, errno " << errno;
+      ADD_FAILURE() << "the program does not take its input, errno " << errno;
       return;
     }
     std::array<pollfd, 2> waits{pollfd{input_, POLLOUT, 0}, pollfd{outputEnded_ ? -1 : output_, POLLIN, 0}};
