@@ -15,6 +15,7 @@
 #include "core/error_text.h"
 #include "core/files.h"
 #include "core/json_writer.h"
+#include "core/paths.h"
 #include "core/user_paths.h"
 #include "platform/platform.h"
 
@@ -75,7 +76,9 @@ bool isCueSilenced() {
 }  // namespace
 
 ContextAuditLog& ContextAuditLog::shared() {
-  static ContextAuditLog log({&std::chrono::system_clock::now, [] { platform::playSystemSound("Tink"); }});
+  // Never destroyed, so that no record needs what the end of the process has already taken away.
+  static ContextAuditLog& log =
+      *new ContextAuditLog({&std::chrono::system_clock::now, [] { platform::playSystemSound("Tink"); }});
   return log;
 }
 

@@ -32,7 +32,8 @@ class ContextAuditLog {
     std::function<void()> playCue;
   };
 
-  /// The process's log, made on first use: the system's clock and the sound "Tink".
+  /// The process's log, made on first use and never destroyed: the system's clock and the sound "Tink". What is pending
+  /// when the process ends is lost, unless it is drained.
   static ContextAuditLog& shared();
 
   explicit ContextAuditLog(Environment environment);

@@ -17,7 +17,7 @@
 #include "core/descriptor.h"
 #include "core/descriptor_io.h"
 #include "core/files.h"
-#include "core/user_paths.h"
+#include "core/paths.h"
 #include "platform/platform.h"
 
 namespace orvane {

@@ -13,7 +13,7 @@
 #include "core/descriptor.h"
 #include "core/descriptor_io.h"
 #include "core/error_text.h"
-#include "core/user_paths.h"
+#include "core/paths.h"
 #include "core/utf8.h"
 
 namespace orvane {

@@ -6,12 +6,6 @@
 
 namespace orvane {
 
-/// `directory` and `name` with one slash between.
-std::string joinPath(std::string_view directory, std::string_view name);
-
-/// `path` less its last component: "/a" and "/" give "/", "a" gives "".
-std::string parentDirectory(std::string_view path);
-
 /// The directory of the application's configuration: ".config/orvane" under the home directory.
 std::string configurationDirectory();
 

@@ -15,7 +15,7 @@
 #include "core/descriptor_io.h"
 #include "core/files.h"
 #include "core/json_reader.h"
-#include "core/user_paths.h"
+#include "core/paths.h"
 #include "core/utf8.h"
 #include "fuzz/require.h"
 #include "server/server.h"

@@ -30,7 +30,8 @@ std::string lookUpHomeDirectory() {
 std::string homeDirectory() {
   // A home does not move while a process runs, and reading the user database costs more than most requests.
   static std::mutex mutex;
-  static std::string home;
+  // Never destroyed: a thread may ask while the process ends.
+  static std::string& home = *new std::string;
   const std::lock_guard lock(mutex);
   if (home.empty()) home = lookUpHomeDirectory();
   // A directory that neither exists nor can be made by a user stands in for a home that the system does not know.

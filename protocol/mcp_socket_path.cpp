@@ -1,5 +1,6 @@
 #include "protocol/mcp_socket_path.h"
 
+#include "core/paths.h"
 #include "core/user_paths.h"
 
 namespace orvane {

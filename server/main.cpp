@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "audit/context_audit_log.h"
 #include "core/descriptor_io.h"
 #include "core/startup_values.h"
 #include "platform/platform.h"
@@ -47,6 +48,7 @@ int main(int argumentCount, char** argumentValues) try {
       orvane::ToolRegistry(options.launchedByAssistant, options.selectedToolsets, options.readOnlyMode), STDIN_FILENO,
       STDOUT_FILENO, STDERR_FILENO);
   server.run();
+  orvane::ContextAuditLog::shared().drain();
   return 0;
 } catch (const std::bad_alloc&) {
   // Nothing was read yet, so nothing remains unanswered that was taken.

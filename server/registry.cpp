@@ -36,24 +36,22 @@ ToolRegistry::ToolRegistry(bool launchedByAssistant, MCPToolsetSet toolsets, boo
     if (readOnly && !metadata->annotations.readOnlyHint) continue;
     if (!metadata->toolsets.intersects(toolsets)) continue;
     if (launchedByAssistant && tool.name == "speak") continue;
-    if (!tools_.emplace(tool.name, tool).second) std::abort();
+    if (!tools.emplace(tool.name, tool).second) std::abort();
   }
 }
 
 JSON ToolRegistry::call(std::string_view name, const JSON::Object& arguments) const {
-  const auto tool = tools_.find(name);
-  if (tool == tools_.end()) throw RPCError(rpc_code::invalidParams, "Unknown tool: " + std::string(name));
+  const auto tool = tools.find(name);
+  if (tool == tools.end()) throw RPCError(rpc_code::invalidParams, "Unknown tool: " + std::string(name));
   return tool->second.call(arguments);
 }
 
-JSON::Array ToolRegistry::listEntries() const { return listEntries(docsDirectory()); }
-
-JSON::Array ToolRegistry::listEntries(std::string_view docsDirectory) const {
+JSON::Array ToolRegistry::listEntries() const {
   JSON::Array entries;
-  entries.reserve(tools_.size());
-  for (const auto& [name, tool] : tools_) {
+  entries.reserve(tools.size());
+  for (const auto& [name, tool] : tools) {
     entries.emplace_back(JSON::Object{{"name", name},
-                                      {"description", tool.description(docsDirectory)},
+                                      {"description", tool.description()},
                                       {"inputSchema", tool.inputSchema()},
                                       {"annotations", annotationsObject(catalogueEntry(name))}});
   }
@@ -61,12 +59,12 @@ JSON::Array ToolRegistry::listEntries(std::string_view docsDirectory) const {
 }
 
 const std::string& ToolRegistry::listEntriesText() {
-  std::string directory = docsDirectory();
-  if (listText_.empty() || directory != listedDocsDirectory_) {
-    listText_ = writeCompactJSON(listEntries(directory));
-    listedDocsDirectory_ = std::move(directory);
+  std::string directory = docsPath("");
+  if (listText.empty() || directory != listedDirectory) {
+    listText = writeCompactJSON(listEntries());
+    listedDirectory = std::move(directory);
   }
-  return listText_;
+  return listText;
 }
 
 }  // namespace orvane

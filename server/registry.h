@@ -29,11 +29,9 @@ class ToolRegistry {
   const std::string& listEntriesText();
 
  private:
-  JSON::Array listEntries(std::string_view docsDirectory) const;
-
-  std::map<std::string_view, ToolHandle> tools_;
-  std::string listedDocsDirectory_;
-  std::string listText_;
+  std::map<std::string_view, ToolHandle> tools;
+  std::string listedDirectory;
+  std::string listText;
 };
 
 }  // namespace orvane

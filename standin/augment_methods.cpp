@@ -1,9 +1,10 @@
 // Switching augments on and off within the slot budget that they share.
 #include <algorithm>
 
+#include "standin/json_access.h"
 #include "standin/methods.h"
 #include "standin/refusal.h"
-#include "standin/world.h"
+#include "standin/text.h"
 
 namespace orvane::standin {
 

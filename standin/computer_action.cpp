@@ -3,8 +3,9 @@
 #include <array>
 
 #include "standin/computer.h"
+#include "standin/json_access.h"
 #include "standin/refusal.h"
-#include "standin/world.h"
+#include "standin/text.h"
 
 namespace orvane::standin {
 

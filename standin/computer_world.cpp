@@ -1,8 +1,9 @@
 // Building the applications from data, finding them, and the states that inspections leave behind.
 #include "standin/computer.h"
+#include "standin/json_access.h"
 #include "standin/methods.h"
 #include "standin/refusal.h"
-#include "standin/world.h"
+#include "standin/text.h"
 
 namespace orvane::standin {
 

@@ -8,10 +8,11 @@
 #include <cerrno>
 #include <cstdio>
 #include <exception>
-#include <filesystem>
 #include <stdexcept>
 
 #include "core/error_text.h"
+#include "core/files.h"
+#include "core/paths.h"
 #include "platform/platform.h"
 #include "protocol/mcp_mutation.h"
 
@@ -28,12 +29,6 @@ Descriptor openSocket() {
   Descriptor socket(platform::openUnixSocket());
   if (!socket.isOpen()) fail("socket() failed");
   return socket;
-}
-
-void makeDirectory(const std::filesystem::path& directory) {
-  if (directory.empty() || std::filesystem::exists(directory)) return;
-  makeDirectory(directory.parent_path());
-  if (mkdir(directory.c_str(), 0700) != 0 && errno != EEXIST) fail("cannot make " + directory.string());
 }
 
 int bindTo(const Descriptor& socket, const std::string& path) {
@@ -71,7 +66,9 @@ Listener::Listener(std::string path, Handler handler) : path_(std::move(path)), 
   stopWriter_ = Descriptor(ends[1]);
   for (const int end : ends) fcntl(end, F_SETFD, FD_CLOEXEC);
 
-  makeDirectory(std::filesystem::path(path_).parent_path());
+  if (const FileOutcome failure = createDirectories(parentDirectory(path_))) {
+    throw std::runtime_error("cannot make the directory of " + path_ + ": " + failure->description());
+  }
   socket_ = openSocket();
   if (bindTo(socket_, path_) != 0) {
     if (errno != EADDRINUSE) fail("cannot bind " + path_);

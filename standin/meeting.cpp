@@ -5,7 +5,8 @@
 #include <stdexcept>
 
 #include "standin/instant.h"
-#include "standin/world.h"
+#include "standin/json_access.h"
+#include "standin/text.h"
 
 namespace orvane::standin {
 

@@ -6,7 +6,7 @@
 #include "standin/meeting.h"
 #include "standin/methods.h"
 #include "standin/refusal.h"
-#include "standin/world.h"
+#include "standin/text.h"
 
 namespace orvane::standin {
 

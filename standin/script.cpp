@@ -5,7 +5,6 @@
 
 #include "core/json_writer.h"
 #include "protocol/mcp_mutation.h"
-#include "standin/world.h"
 
 namespace orvane::standin {
 

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <stdexcept>
 
+#include "core/descriptor_io.h"
 #include "core/error_text.h"
 #include "standin/refusal.h"
 
@@ -49,12 +50,8 @@ void Service::record(std::string_view request) {
   std::string line(request);
   if (line.empty() || line.back() != '\n') line += '\n';
   const std::lock_guard lock(recordMutex_);
-  for (std::string_view rest = line; !rest.empty();) {
-    const ssize_t written = write(record_.get(), rest.data(), rest.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) throw std::runtime_error("cannot record a request: " + errorText(errno));
-    rest.remove_prefix(static_cast<std::size_t>(written));
-  }
+  const int error = writeFully(record_.get(), line);
+  if (error != 0) throw std::runtime_error("cannot record a request: " + errorText(error));
 }
 
 }  // namespace orvane::standin

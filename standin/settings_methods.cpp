@@ -1,7 +1,8 @@
 // Insights, personas, input devices, assistant backend, trigger word, highlight-and-correct.
+#include "standin/json_access.h"
 #include "standin/methods.h"
 #include "standin/refusal.h"
-#include "standin/world.h"
+#include "standin/text.h"
 
 namespace orvane::standin {
 

@@ -4,11 +4,12 @@
 #include <array>
 #include <limits>
 
-#include "core/user_paths.h"
+#include "core/paths.h"
 #include "platform/platform.h"
+#include "standin/json_access.h"
 #include "standin/methods.h"
 #include "standin/refusal.h"
-#include "standin/world.h"
+#include "standin/text.h"
 
 namespace orvane::standin {
 

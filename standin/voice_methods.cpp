@@ -1,9 +1,10 @@
 // The voices and speaking. Nothing is heard: a queued line is only counted.
 #include <map>
 
+#include "standin/json_access.h"
 #include "standin/methods.h"
 #include "standin/refusal.h"
-#include "standin/world.h"
+#include "standin/text.h"
 
 namespace orvane::standin {
 

@@ -1,5 +1,5 @@
 // The parts of tool descriptions that point at the documentation which the desktop application installs. The files are
-// never read here and need not exist.
+// never read here and need not exist. Each is made anew from the platform's answer of the moment.
 #pragma once
 
 #include <string>
@@ -7,18 +7,14 @@
 
 namespace orvane {
 
-/// The documentation directory as the platform gives it at this moment, with a final slash. One look serves a request.
-std::string docsDirectory();
-
-/// The path of the documentation file `fileName`, as the platform gives it at this moment.
+/// The path of the documentation file `fileName`; that of the directory, with a final slash, for an empty name.
 std::string docsPath(std::string_view fileName);
 
-/// What ends the description of a tool with a documentation file of its own: a pointer to `fileName` in
-/// `docsDirectory`.
-std::string docPointer(std::string_view docsDirectory, std::string_view fileName);
+/// What ends the description of a tool with a documentation file of its own: a pointer to `fileName`.
+std::string docPointer(std::string_view fileName);
 
 /// What ends the descriptions of the tools that show the application's configuration: a warning not to edit its files,
-/// and a pointer to the index in `docsDirectory`.
-std::string configurationNotice(std::string_view docsDirectory);
+/// and a pointer to the index of the documentation.
+std::string configurationNotice();
 
 }  // namespace orvane

@@ -15,9 +15,7 @@ namespace orvane {
 /// description before the pointer to `docFile`) and `inputSchema`.
 template <class Tool>
 struct ForwardedTool {
-  static std::string description(std::string_view docsDirectory) {
-    return std::string(Tool::text) + docPointer(docsDirectory, Tool::docFile);
-  }
+  static std::string description() { return std::string(Tool::text) + docPointer(Tool::docFile); }
 
   static JSON call(const JSON::Object& arguments) { return AppBridge::call(Tool::name, arguments); }
 };

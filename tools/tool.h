@@ -11,14 +11,13 @@
 namespace orvane {
 
 /// A type that describes and runs one tool of the Model Context Protocol:
-/// `name`, its name on the wire; `description`, the text shown to the agent, composed on each request for the given
-/// documentation directory; `inputSchema`, the JSON Schema of the arguments, built once; and `call`, which runs the
-/// tool and returns an object (or array). `call` fails by throwing RPCError, or returns a result that says what went
-/// wrong.
+/// `name`, its name on the wire; `description`, the text shown to the agent, composed each time; `inputSchema`, the
+/// JSON Schema of the arguments, built once; and `call`, which runs the tool and returns an object (or array). `call`
+/// fails by throwing RPCError, or returns a result that says what went wrong.
 template <class T>
-concept MCPTool = requires(const JSON::Object& arguments, std::string_view docsDirectory) {
+concept MCPTool = requires(const JSON::Object& arguments) {
   { T::name } -> std::convertible_to<std::string_view>;
-  { T::description(docsDirectory) } -> std::same_as<std::string>;
+  { T::description() } -> std::same_as<std::string>;
   { T::inputSchema() } -> std::same_as<const JSON&>;
   { T::call(arguments) } -> std::same_as<JSON>;
 };
@@ -26,7 +25,7 @@ concept MCPTool = requires(const JSON::Object& arguments, std::string_view docsD
 /// A tool of any type. Copies are cheap and refer to the type's static members.
 struct ToolHandle {
   std::string_view name;
-  std::string (*description)(std::string_view docsDirectory);
+  std::string (*description)();
   const JSON& (*inputSchema)();
   JSON (*call)(const JSON::Object& arguments);
 };

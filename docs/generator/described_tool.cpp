@@ -15,12 +15,12 @@ namespace {
 DescribedTool describe(const ToolHandle& tool) {
   const MCPToolMetadata* const metadata = catalogueEntry(tool.name);
   if (metadata == nullptr) throw std::runtime_error(std::string(tool.name) + " is not in the catalogue");
-  const std::string description = tool.description(documentationDirectory);
+  const std::string description = tool.description();
   std::string file = description.substr(description.rfind('/') + 1);
-  std::string ending = docPointer(documentationDirectory, file);
+  std::string ending = docPointer(file);
   if (!description.ends_with(ending)) {
     file.clear();
-    ending = configurationNotice(documentationDirectory);
+    ending = configurationNotice();
   }
   if (!description.ends_with(ending)) {
     throw std::runtime_error("the description of " + std::string(tool.name) + " has no common ending");

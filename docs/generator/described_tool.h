@@ -9,9 +9,6 @@
 
 namespace orvane::docs {
 
-/// Where descriptions in the documents say that the application's documentation lies.
-inline constexpr std::string_view documentationDirectory = "~/Library/Application Support/Orvane/docs/";
-
 /// A tool with what its description says before the common ending.
 struct DescribedTool {
   ToolHandle tool;

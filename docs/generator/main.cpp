@@ -67,12 +67,13 @@ bool settle(const std::string& path, const std::string& content, bool isChecking
 }
 
 bool run(const std::string& root, bool isChecking) {
-  // The sizes hold for a user with a name of seven letters.
-  test::fakePlatform().applicationSupport = "/Users/someone/Library/Application Support";
+  test::fakePlatform().applicationSupport = "~/Library/Application Support";
   const std::vector<DescribedTool> tools = describedTools();
   const std::string readme = root + "/README.md";
   const std::string manifest = root + "/packaging/mcpb/manifest.json";
   bool isSettled = settle(root + "/docs/tools.md", toolReference(tools), isChecking);
+  // The sizes hold for a user with a name of seven letters.
+  test::fakePlatform().applicationSupport = "/Users/someone/Library/Application Support";
   isSettled &= settle(readme, withTable(contentOf(readme)), isChecking);
   isSettled &= settle(manifest, withTools(contentOf(manifest), tools), isChecking);
   return isSettled;

@@ -101,9 +101,8 @@ std::string introduction(std::size_t count) {
          "Hints not named for a tool are false for it. With `--read-only` only tools with the hint *read-only* are "
          "offered.\n\n"
          "Each text is followed by one of two endings. Where a *documentation* file is named, it is\n\n" +
-         quote(std::string_view(docPointer(documentationDirectory, "FILE")).substr(2)) +
-         "\nand elsewhere it is the configuration notice:\n\n" +
-         quote(std::string_view(configurationNotice(documentationDirectory)).substr(2));
+         quote(std::string_view(docPointer("FILE")).substr(2)) + "\nand elsewhere it is the configuration notice:\n\n" +
+         quote(std::string_view(configurationNotice()).substr(2));
 }
 
 }  // namespace

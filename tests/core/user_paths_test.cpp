@@ -7,22 +7,6 @@
 namespace orvane::test {
 namespace {
 
-TEST(PathTest, JoinPutsOneSlashBetween) {
-  EXPECT_EQ(joinPath("/a", "b"), "/a/b");
-  EXPECT_EQ(joinPath("/a/", "b"), "/a/b");
-  EXPECT_EQ(joinPath("/", "b"), "/b");
-  EXPECT_EQ(joinPath("/a", "b/c/"), "/a/b/c/");
-}
-
-TEST(PathTest, ParentDropsTheLastComponent) {
-  EXPECT_EQ(parentDirectory("/a/b"), "/a");
-  EXPECT_EQ(parentDirectory("/a"), "/");
-  EXPECT_EQ(parentDirectory("/"), "/");
-  EXPECT_EQ(parentDirectory("a/b"), "a");
-  EXPECT_EQ(parentDirectory("a"), "");
-  EXPECT_EQ(parentDirectory(""), "");
-}
-
 TEST(UserPathsTest, ConfigurationLiesUnderThePlatformsHome) {
   const FakeHome home;
   EXPECT_EQ(configurationDirectory(), home.file(".config/orvane"));

@@ -44,28 +44,6 @@ const std::vector<ToolsOfToolset> members = {
     {augments, {"list_augments", "list_personas", "set_active_persona", "activate_augment", "deactivate_augment"}},
 };
 
-TEST(MCPToolsetTest, RawValuesGoBothWays) {
-  const std::vector<std::string> names = {"state", "settings", "voice", "meetings", "slate", "computer", "augments"};
-  ASSERT_EQ(allToolsets.size(), names.size());
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    EXPECT_EQ(rawValue(allToolsets[i]), names[i]);
-    EXPECT_EQ(mcpToolset(names[i]), allToolsets[i]);
-  }
-  for (const char* other : {"", "State", "STATE", " state", "state ", "all", "states"}) {
-    EXPECT_EQ(mcpToolset(other), std::nullopt) << other;
-  }
-}
-
-TEST(MCPToolsetSetTest, HoldsWhatWasPutIn) {
-  EXPECT_TRUE(MCPToolsetSet().empty());
-  EXPECT_FALSE(MCPToolsetSet().intersects(MCPToolsetSet::all()));
-  EXPECT_TRUE((MCPToolsetSet{state, voice}).intersects({voice, slate}));
-  EXPECT_FALSE((MCPToolsetSet{state, voice}).intersects({slate, computer}));
-  MCPToolsetSet set{state};
-  set.insert(state);
-  EXPECT_EQ(set, (MCPToolsetSet{state}));
-}
-
 TEST(CatalogueTest, HoldsEveryToolAndNoOtherName) {
   ASSERT_EQ(allTools().size(), toolCount);
   for (const ToolHandle& tool : allTools()) EXPECT_NE(catalogueEntry(tool.name), nullptr) << tool.name;

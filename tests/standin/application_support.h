@@ -7,6 +7,7 @@
 #include "core/json_writer.h"
 #include "standin/application.h"
 #include "standin/refusal.h"
+#include "standin/json_access.h"
 #include "standin/world.h"
 
 namespace orvane::standin {

@@ -3,7 +3,7 @@
 namespace orvane::standin {
 namespace {
 
-class ComputerMethods : public StandinTest {
+class ComputerMethodsTest : public StandinTest {
  protected:
   // The arguments {"state_id": of a fresh inspection, ...}.
   std::string on(const std::string& app, const std::string& rest) {
@@ -12,7 +12,7 @@ class ComputerMethods : public StandinTest {
   }
 };
 
-TEST_F(ComputerMethods, ListsWindowsOnlyForAQuery) {
+TEST_F(ComputerMethodsTest, ListsWindowsOnlyForAQuery) {
   const auto count = [&](const std::string& arguments) {
     return listIn(call("computer_list_apps", arguments), "apps").size();
   };
@@ -23,7 +23,7 @@ TEST_F(ComputerMethods, ListsWindowsOnlyForAQuery) {
   EXPECT_EQ(listIn(objectOf(listIn(found, "apps")[0]), "windows").size(), 2U);
 }
 
-TEST_F(ComputerMethods, StatesExpireWithNewerInspections) {
+TEST_F(ComputerMethodsTest, StatesExpireWithNewerInspections) {
   const std::string read = on("Letterbox", R"("mode":"visible_text")");
   for (int i = 0; i < 7; ++i) call("computer_inspect");
   EXPECT_NO_THROW(call("computer_read", read));
@@ -33,7 +33,7 @@ TEST_F(ComputerMethods, StatesExpireWithNewerInspections) {
             R"(validation_failed: unknown computer_state_id: x {"state_id":"x"})");
 }
 
-TEST_F(ComputerMethods, RestrictedApplicationsAndFieldsAreRefused) {
+TEST_F(ComputerMethodsTest, RestrictedApplicationsAndFieldsAreRefused) {
   EXPECT_NE(refusal("computer_inspect", R"({"target":"Password Keeper"})").find(R"("restricted":true)"),
             std::string::npos);
   EXPECT_NE(refusal("computer_inspect", R"({"window_id":51})").find(R"("restricted":true)"), std::string::npos);
@@ -46,13 +46,13 @@ TEST_F(ComputerMethods, RestrictedApplicationsAndFieldsAreRefused) {
             std::string::npos);
 }
 
-TEST_F(ComputerMethods, FilterReachesBeyondTheRankedForty) {
+TEST_F(ComputerMethodsTest, FilterReachesBeyondTheRankedForty) {
   EXPECT_EQ(listIn(call("computer_inspect", R"({"target":"Wanderer"})"), "top_targets").size(), 40U);
   EXPECT_EQ(listIn(call("computer_inspect", R"({"target":"Wanderer","filter":"switzerland"})"), "top_targets").size(),
             1U);
 }
 
-TEST_F(ComputerMethods, SyntheticIsAnAliasThatConflicts) {
+TEST_F(ComputerMethodsTest, SyntheticIsAnAliasThatConflicts) {
   const std::string target = R"("target_id":"t-receipt")";
   EXPECT_EQ(textIn(call("computer_click", on("Letterbox", target)), "route_used"), "ax_action");
   EXPECT_EQ(textIn(call("computer_click", on("Letterbox", target + R"(,"synthetic":true)")), "route_used"),
@@ -63,7 +63,7 @@ TEST_F(ComputerMethods, SyntheticIsAnAliasThatConflicts) {
             std::string::npos);
 }
 
-TEST_F(ComputerMethods, ExistingTextIsReplacedOnlyOnRequest) {
+TEST_F(ComputerMethodsTest, ExistingTextIsReplacedOnlyOnRequest) {
   const std::string target = R"("target_id":"t-to","text":)";
   EXPECT_EQ(refusal("computer_deliver_text", on("Letterbox", target + R"("x")"))
                 .find("validation_failed: the target already holds text"),
@@ -80,7 +80,7 @@ TEST_F(ComputerMethods, ExistingTextIsReplacedOnlyOnRequest) {
       flagIn(call("computer_deliver_text", on("Scribbler", R"("target_id":"t-canvas","text":"x")")), "verified", true));
 }
 
-TEST_F(ComputerMethods, RepetitionsAreClampedAndNamesChecked) {
+TEST_F(ComputerMethodsTest, RepetitionsAreClampedAndNamesChecked) {
   EXPECT_EQ(integerIn(call("computer_press_key", on("Letterbox", R"("key":"a","modifiers":["command"],"count":500)")),
                       "count"),
             50);
@@ -93,7 +93,7 @@ TEST_F(ComputerMethods, RepetitionsAreClampedAndNamesChecked) {
   EXPECT_EQ(integerIn(call("computer_scroll", on("Letterbox", R"("direction":"down","amount":99)")), "amount"), 50);
 }
 
-TEST_F(ComputerMethods, SelectNeedsAnUnambiguousOption) {
+TEST_F(ComputerMethodsTest, SelectNeedsAnUnambiguousOption) {
   const auto select = [&](const std::string& value) {
     return on("Wanderer", R"("target_id":"t-country","value":")" + value + "\"");
   };
@@ -103,7 +103,7 @@ TEST_F(ComputerMethods, SelectNeedsAnUnambiguousOption) {
   EXPECT_EQ(refusal("computer_select", select("Atlantis")).find("validation_failed: no such option"), 0U);
 }
 
-TEST_F(ComputerMethods, OpeningStartsAnApplicationOrAPage) {
+TEST_F(ComputerMethodsTest, OpeningStartsAnApplicationOrAPage) {
   EXPECT_EQ(refusal("computer_inspect", R"({"target":"Abacus"})").find("validation_failed: no running application"),
             0U);
   call("computer_open", R"({"kind":"app","value":"Abacus"})");

@@ -4,9 +4,9 @@
 namespace orvane::standin {
 namespace {
 
-using SlateMethods = StandinTest;
+using SlateMethodsTest = StandinTest;
 
-TEST_F(SlateMethods, SavesOnlyWhatIsOpenAndNotEmpty) {
+TEST_F(SlateMethodsTest, SavesOnlyWhatIsOpenAndNotEmpty) {
   test::FakeHome home;
   EXPECT_EQ(refusal("slate_save"), "validation_failed: the slate window is not open");
   EXPECT_TRUE(flagIn(call("slate_open"), "open"));
@@ -19,7 +19,7 @@ TEST_F(SlateMethods, SavesOnlyWhatIsOpenAndNotEmpty) {
   EXPECT_EQ(refusal("slate_save"), "validation_failed: the slate is empty");
 }
 
-TEST_F(SlateMethods, ClosingKeepsTheArtifact) {
+TEST_F(SlateMethodsTest, ClosingKeepsTheArtifact) {
   call("slate_open");
   call("slate_close");
   EXPECT_FALSE(flagIn(call("get_slate"), "open", true));
@@ -27,7 +27,7 @@ TEST_F(SlateMethods, ClosingKeepsTheArtifact) {
   EXPECT_EQ(textIn(call("get_slate"), "artifact").find("<!-- block:b1 -->\n# Launch brief"), 0U);
 }
 
-TEST_F(SlateMethods, FrontmatterKeepsOrderAndRefusesReservedKeys) {
+TEST_F(SlateMethodsTest, FrontmatterKeepsOrderAndRefusesReservedKeys) {
   call("slate_open");
   call("slate_set_frontmatter", R"({"key":"status","value":"final"})");
   EXPECT_TRUE(flagIn(call("slate_set_frontmatter", R"({"key":"owner","value":"Ada"})"), "added"));
@@ -44,12 +44,12 @@ TEST_F(SlateMethods, FrontmatterKeepsOrderAndRefusesReservedKeys) {
   EXPECT_EQ(objectIn(call("get_slate"), "frontmatter").size(), 2U);
 }
 
-TEST_F(SlateMethods, RoutingIsRemembered) {
+TEST_F(SlateMethodsTest, RoutingIsRemembered) {
   call("slate_set_routing", R"({"enabled":false})");
   EXPECT_FALSE(flagIn(call("slate_open"), "routingEnabled", true));
 }
 
-TEST_F(SlateMethods, FileChunksAreCountedInCharacters) {
+TEST_F(SlateMethodsTest, FileChunksAreCountedInCharacters) {
   const std::string path = R"({"path":"/Users/demo/Documents/figures.md")";
   const JSON::Object chunk = call("read_open_file", path + R"(,"offset":11,"limit":5})");
   EXPECT_EQ(textIn(chunk, "content"), "Café ");

@@ -232,10 +232,10 @@ TEST_F(ListAugmentsToolTest, ADirectoryWithoutPermissionHoldsNoAugments) {
 
 TEST_F(ListAugmentsToolTest, SaysWhatItDoesAndWarns) {
   EXPECT_EQ(ListAugmentsTool::name, "list_augments");
-  EXPECT_EQ(ListAugmentsTool::description("/docs/"),
+  EXPECT_EQ(ListAugmentsTool::description(),
             "List active and available augments along with the shared slot budget. Augments are short directives that "
             "shape assistant behavior." +
-                configurationNotice("/docs/"));
+                configurationNotice());
   EXPECT_EQ(&ListAugmentsTool::inputSchema(), &emptyInputSchema());
 }
 

@@ -218,11 +218,11 @@ TEST_F(ListReplacementsToolTest, WhatIsNoFileIsAnEmptyOverlay) {
 
 TEST_F(ListReplacementsToolTest, SaysWhatItDoesAndWarns) {
   EXPECT_EQ(ListReplacementsTool::name, "list_dictionary");
-  EXPECT_EQ(ListReplacementsTool::description("/docs/"),
+  EXPECT_EQ(ListReplacementsTool::description(),
             "List the user's Dictionary entries (overlay only \xE2\x80\x94 built-in word substitutions are excluded). "
             "Returns additions, fillers, corrections, and the disabled list. The Dictionary is a customizable mapping "
             "of spoken phrases to written text applied to dictation." +
-                configurationNotice("/docs/"));
+                configurationNotice());
   EXPECT_EQ(&ListReplacementsTool::inputSchema(), &emptyInputSchema());
 }
 

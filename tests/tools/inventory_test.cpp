@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/support/fake_platform.h"
 #include "tests/support/json_text.h"
 #include "tests/support/tool_count.h"
 #include "tools/all_tools.h"
@@ -22,8 +23,6 @@ using testing::IsSubsetOf;
 using testing::MatchesRegex;
 using testing::Not;
 using testing::UnorderedElementsAre;
-
-constexpr std::string_view docs = "/somewhere/docs/";
 
 /// The object under `key` of `object`; an empty one, and a failure, if there is none.
 const JSON::Object& objectIn(const JSON::Object& object, std::string_view key) {
@@ -164,32 +163,33 @@ TEST(ToolInventoryTest, EachDescriptionEndsInItsDocumentationOrTheConfigurationN
                                                          "orvane_version"};
   for (const ToolHandle& tool : allTools()) {
     SCOPED_TRACE(tool.name);
-    const std::string description = tool.description(docs);
+    const std::string description = tool.description();
     if (configurationTools.contains(tool.name)) {
-      EXPECT_THAT(description, EndsWith(configurationNotice(docs)));
+      EXPECT_THAT(description, EndsWith(configurationNotice()));
       continue;
     }
-    const std::size_t path = description.rfind(docs);
-    ASSERT_NE(path, std::string::npos);
-    const std::string fileName = description.substr(path + docs.size());
+    const std::string fileName = description.substr(description.rfind('/') + 1);
     EXPECT_THAT(fileName, MatchesRegex("[a-z]+(-[a-z]+)*\\.md"));
-    EXPECT_THAT(description, EndsWith(docPointer(docs, fileName)));
-    EXPECT_THAT(description, Not(testing::HasSubstr(configurationNotice(docs))));
+    EXPECT_THAT(description, EndsWith(docPointer(fileName)));
+    EXPECT_THAT(description, Not(testing::HasSubstr(configurationNotice())));
   }
 }
 
 TEST(ToolInventoryTest, EachDescriptionHasATextBeforeItsEnding) {
   for (const ToolHandle& tool : allTools()) {
-    EXPECT_THAT(tool.description(docs), MatchesRegex("[A-Z][a-z].*\\.\n\n.*")) << tool.name;
+    EXPECT_THAT(tool.description(), MatchesRegex("[A-Z][a-z].*\\.\n\n.*")) << tool.name;
   }
 }
 
 TEST(ToolInventoryTest, DescriptionsFollowTheDocumentationDirectory) {
+  const FakeHome home;
   for (const ToolHandle& tool : allTools()) {
-    std::string moved = tool.description("/elsewhere/");
-    const std::size_t path = moved.rfind("/elsewhere/");
+    fakePlatform().applicationSupport = "/here";
+    std::string description = tool.description();
+    const std::size_t path = description.rfind("/here/");
     ASSERT_NE(path, std::string::npos) << tool.name;
-    EXPECT_EQ(moved.replace(path, std::string_view("/elsewhere/").size(), docs), tool.description(docs)) << tool.name;
+    fakePlatform().applicationSupport = "/elsewhere";
+    EXPECT_EQ(description.replace(path, 6, "/elsewhere/"), tool.description()) << tool.name;
   }
 }
 

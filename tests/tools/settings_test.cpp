@@ -10,6 +10,7 @@
 #include "tests/support/fake_platform.h"
 #include "tests/support/file_content.h"
 #include "tests/support/json_text.h"
+#include "tools/documentation.h"
 
 namespace orvane::test {
 namespace {
@@ -157,7 +158,7 @@ TEST_F(CurrentSettingsTest, AFIFOInItsPlaceDoesNotBlock) {
 
 TEST_F(CurrentSettingsTest, DescribesItself) {
   EXPECT_EQ(CurrentSettingsTool::name, "current_settings");
-  const std::string description = CurrentSettingsTool::description("/d/");
+  const std::string description = CurrentSettingsTool::description();
   EXPECT_TRUE(
       description.starts_with("Return an abridged snapshot of the user's current Orvane setup (assistant backend, "
                               "dictation hotkey, AI Correction "
@@ -165,7 +166,7 @@ TEST_F(CurrentSettingsTest, DescribesItself) {
                               "in `agentVoices` \xE2\x80\x94 "
                               "pass `agentVoices[<your CLI name>]` as the `voice` arg to `speak` so each agent sounds "
                               "distinct).\n\nIMPORTANT: "));
-  EXPECT_TRUE(description.ends_with("/d/INDEX.md"));
+  EXPECT_TRUE(description.ends_with(docsPath("INDEX.md")));
   EXPECT_EQ(writeCompactJSON(CurrentSettingsTool::inputSchema()),
             R"({"type":"object","properties":{},"additionalProperties":false})");
 }

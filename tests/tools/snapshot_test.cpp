@@ -29,9 +29,8 @@ fs::path snapshotFile(const ToolHandle& tool) { return snapshotDirectory / (std:
 /// What tools/list says of `tool`, the hints apart, for a user whose documentation is in a fixed place.
 std::string snapshotOf(const ToolHandle& tool) {
   fakePlatform().applicationSupport = "/Users/someone/Library/Application Support";
-  return writePrettyJSON(JSON::Object{{"name", tool.name},
-                                      {"description", tool.description(docsDirectory())},
-                                      {"inputSchema", tool.inputSchema()}}) +
+  return writePrettyJSON(JSON::Object{
+             {"name", tool.name}, {"description", tool.description()}, {"inputSchema", tool.inputSchema()}}) +
          "\n";
 }
 

@@ -9,6 +9,7 @@
 #include "core/json_writer.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/file_content.h"
+#include "tools/documentation.h"
 
 namespace orvane::test {
 namespace {
@@ -114,9 +115,7 @@ TEST(OrvaneVersionToolTest, TheVersionIsLookedUpOnce) {
 
 TEST(OrvaneVersionToolTest, DescribesItself) {
   EXPECT_EQ(OrvaneVersionTool::name, "orvane_version");
-  EXPECT_TRUE(
-      OrvaneVersionTool::description("/d/").starts_with("Return the running Orvane version.\n\nIMPORTANT: Do NOT "));
-  EXPECT_TRUE(OrvaneVersionTool::description("/d/").ends_with(" the index lives at: /d/INDEX.md"));
+  EXPECT_EQ(OrvaneVersionTool::description(), "Return the running Orvane version." + configurationNotice());
   EXPECT_EQ(writeCompactJSON(OrvaneVersionTool::inputSchema()),
             R"({"type":"object","properties":{},"additionalProperties":false})");
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/files.h"
+#include "core/paths.h"
 #include "core/text.h"
 #include "core/user_paths.h"
 #include "core/utf8.h"
@@ -158,10 +159,10 @@ std::optional<CatalogAugment> parseUserAugment(std::string_view text, const std:
                         .axis = valueOr("axis", "domain")};
 }
 
-std::string ListAugmentsTool::description(std::string_view docsDirectory) {
+std::string ListAugmentsTool::description() {
   return "List active and available augments along with the shared slot budget. Augments are short directives that "
          "shape assistant behavior." +
-         configurationNotice(docsDirectory);
+         configurationNotice();
 }
 
 const JSON& ListAugmentsTool::inputSchema() { return emptyInputSchema(); }

@@ -27,7 +27,7 @@ std::optional<CatalogAugment> parseUserAugment(std::string_view text, const std:
 /// unreadable one counts as empty.
 struct ListAugmentsTool {
   static constexpr std::string_view name = "list_augments";
-  static std::string description(std::string_view docsDirectory);
+  static std::string description();
   static const JSON& inputSchema();
   static JSON call(const JSON::Object& arguments);
 };

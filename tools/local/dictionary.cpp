@@ -85,11 +85,11 @@ ReplacementsOverlay parseReplacementsOverlay(std::string_view text) {
   return overlay;
 }
 
-std::string ListReplacementsTool::description(std::string_view docsDirectory) {
+std::string ListReplacementsTool::description() {
   return "List the user's Dictionary entries (overlay only — built-in word substitutions are excluded). Returns "
          "additions, fillers, corrections, and the disabled list. The Dictionary is a customizable mapping of spoken "
          "phrases to written text applied to dictation." +
-         configurationNotice(docsDirectory);
+         configurationNotice();
 }
 
 const JSON& ListReplacementsTool::inputSchema() { return emptyInputSchema(); }

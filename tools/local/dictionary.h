@@ -29,7 +29,7 @@ ReplacementsOverlay parseReplacementsOverlay(std::string_view text);
 /// list_dictionary: the overlay's entries. Reads the file on every call; a missing or undecodable file is an empty one.
 struct ListReplacementsTool {
   static constexpr std::string_view name = "list_dictionary";
-  static std::string description(std::string_view docsDirectory);
+  static std::string description();
   static const JSON& inputSchema();
   static JSON call(const JSON::Object& arguments);
 };

@@ -6,6 +6,7 @@
 
 #include "audit/context_audit_log.h"
 #include "core/files.h"
+#include "core/paths.h"
 #include "core/text.h"
 #include "core/user_paths.h"
 #include "core/utf8.h"
@@ -110,12 +111,12 @@ void audit(std::string_view tool, const JSON& result) try {
 
 }  // namespace
 
-std::string ReadPreferencesTool::description(std::string_view docsDirectory) {
+std::string ReadPreferencesTool::description() {
   return "Read the user's personal-preference notes from ~/.config/orvane/preferences.md. This is a single flat "
          "markdown file the user (and you, via remember_preference) can append facts to: how they sign emails, who "
          "their team is, naming preferences, conventions. Call this at the start of any turn where personalization "
          "matters. Returns { content, char_count } — content is the empty string if the file doesn't exist yet." +
-         docPointer(docsDirectory, docFile);
+         docPointer(docFile);
 }
 
 const JSON& ReadPreferencesTool::inputSchema() { return emptyInputSchema(); }
@@ -126,13 +127,13 @@ JSON ReadPreferencesTool::call(const JSON::Object&) {
   return result;
 }
 
-std::string RememberPreferenceTool::description(std::string_view docsDirectory) {
+std::string RememberPreferenceTool::description() {
   return "Append a short note to the user's preferences file at ~/.config/orvane/preferences.md. Use this when the "
          "user says \"remember that…\" or \"from now on…\" or you observe a stable preference worth keeping "
          "(signature line, naming conventions, the people in their team). Each note is a single line up to 1 KB; the "
          "whole file caps at 32 KB. Returns { ok, char_count } on success or { error } if the file is full (in which "
          "case ask the user to prune it via Dashboard → File → Open Preferences)." +
-         docPointer(docsDirectory, docFile);
+         docPointer(docFile);
 }
 
 const JSON& RememberPreferenceTool::inputSchema() {

@@ -18,7 +18,7 @@ inline constexpr std::size_t maxPreferencesBytes = 32768;
 /// read_preferences: the whole file and its length in user-perceived characters.
 struct ReadPreferencesTool {
   static constexpr std::string_view name = "read_preferences";
-  static std::string description(std::string_view docsDirectory);
+  static std::string description();
   static const JSON& inputSchema();
   static JSON call(const JSON::Object& arguments);
 };
@@ -26,7 +26,7 @@ struct ReadPreferencesTool {
 /// remember_preference: appends one note as a line. What it refuses it says in its result, under "error".
 struct RememberPreferenceTool {
   static constexpr std::string_view name = "remember_preference";
-  static std::string description(std::string_view docsDirectory);
+  static std::string description();
   static const JSON& inputSchema();
   static JSON call(const JSON::Object& arguments);
 };

@@ -138,12 +138,12 @@ JSON settingsSnapshot(std::string_view fileContent) {
   };
 }
 
-std::string CurrentSettingsTool::description(std::string_view docsDirectory) {
+std::string CurrentSettingsTool::description() {
   return "Return an abridged snapshot of the user's current Orvane setup (assistant backend, dictation hotkey, AI "
          "Correction state, trigger word, input device, Voice Output enabled state, and your assigned voice in "
          "`agentVoices` — pass `agentVoices[<your CLI name>]` as the `voice` arg to `speak` so each agent sounds "
          "distinct)." +
-         configurationNotice(docsDirectory);
+         configurationNotice();
 }
 
 const JSON& CurrentSettingsTool::inputSchema() { return emptyInputSchema(); }

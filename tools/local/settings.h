@@ -15,7 +15,7 @@ JSON settingsSnapshot(std::string_view fileContent);
 /// missing or malformed is reported as its default.
 struct CurrentSettingsTool {
   static constexpr std::string_view name = "current_settings";
-  static std::string description(std::string_view docsDirectory);
+  static std::string description();
   static const JSON& inputSchema();
   static JSON call(const JSON::Object& arguments);
 };

@@ -2,14 +2,15 @@
 
 #include <unistd.h>
 
+#include <climits>
 #include <cstdlib>
 #include <memory>
 #include <optional>
 #include <utility>
 
 #include "core/files.h"
+#include "core/paths.h"
 #include "core/text.h"
-#include "core/user_paths.h"
 #include "tools/documentation.h"
 #include "tools/schema.h"
 
@@ -29,10 +30,15 @@ using MallocString = std::unique_ptr<char, FreeDeleter>;
 
 // `path` with all symbolic links resolved, as far as it exists; what does not exist is kept as it stands.
 std::string resolvedPath(const std::string& path) {
-  if (const MallocString resolved{realpath(path.c_str(), nullptr)}) return resolved.get();
-  const std::size_t slash = path.rfind('/');
-  if (slash == std::string::npos || slash == 0) return path;
-  return joinPath(resolvedPath(path.substr(0, slash)), path.substr(slash + 1));
+  // The system takes no longer path, so the end of one that is longer does not exist.
+  std::size_t end = path.size() < PATH_MAX ? path.size() : path.rfind('/', PATH_MAX - 1);
+  while (end != 0 && end != std::string::npos) {
+    if (const MallocString resolved{realpath(path.substr(0, end).c_str(), nullptr)}) {
+      return end == path.size() ? resolved.get() : joinPath(resolved.get(), path.substr(end + 1));
+    }
+    end = path.rfind('/', end - 1);
+  }
+  return path;
 }
 
 std::string absolutePath(const std::string& path) {
@@ -76,9 +82,7 @@ const std::string& applicationVersion() {
   return version;
 }
 
-std::string OrvaneVersionTool::description(std::string_view docsDirectory) {
-  return "Return the running Orvane version." + configurationNotice(docsDirectory);
-}
+std::string OrvaneVersionTool::description() { return "Return the running Orvane version." + configurationNotice(); }
 
 const JSON& OrvaneVersionTool::inputSchema() { return emptyInputSchema(); }
 

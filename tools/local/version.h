@@ -23,7 +23,7 @@ const std::string& applicationVersion();
 /// orvane_version: the version of the application.
 struct OrvaneVersionTool {
   static constexpr std::string_view name = "orvane_version";
-  static std::string description(std::string_view docsDirectory);
+  static std::string description();
   static const JSON& inputSchema();
   static JSON call(const JSON::Object& arguments);
 };
