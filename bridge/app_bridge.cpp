@@ -22,6 +22,8 @@ namespace orvane {
 namespace {
 
 constexpr std::size_t maxResponseBytes = 1048576;
+// No more than one read's worth beyond the limit is ever held.
+constexpr std::size_t readSize = 4096;
 constexpr time_t timeoutSeconds = 30;
 
 // The codes an agent sees, beside those that JSON-RPC reserves.
@@ -73,10 +75,7 @@ Descriptor openSocket() {
 void connectTo(const Descriptor& socket, const std::string& path) {
   if (path.size() > platform::maxSocketPathLength) throw RPCError(transportFailed, "socket path too long");
   const sockaddr_un address = platform::socketAddress(path);
-  const int result = retryInterrupted(
-      [&] { return connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address); });
-  // A connection that was completed while a signal interrupted the wait for it is a connection.
-  if (result == 0 || errno == EISCONN) return;
+  if (connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) return;
   if (errno == ENOENT || errno == ECONNREFUSED) {
     throw RPCError(appNotRunning, "Orvane app is not running — open the app and try again.");
   }
@@ -121,8 +120,8 @@ void writeAll(const Descriptor& socket, std::string_view bytes) {
 
 std::string readToEnd(const Descriptor& socket) {
   std::string response;
-  response.reserve(4096);
-  std::array<char, 16384> buffer;
+  response.reserve(readSize);
+  std::array<char, readSize> buffer;
   while (true) {
     const ssize_t received = retryInterrupted([&] { return read(socket.get(), buffer.data(), buffer.size()); });
     if (received == 0) return response;

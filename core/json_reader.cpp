@@ -3,6 +3,8 @@
 #include <boost/json/basic_parser_impl.hpp>
 #include <iterator>
 
+#include "core/json_syntax.h"
+
 namespace orvane {
 
 namespace {
@@ -119,7 +121,7 @@ JSONReadResult readJSON(std::string_view text) {
   boost::json::basic_parser<Builder> parser(options);
   boost::json::error_code error;
   const std::size_t used = parser.write_some(false, text.data(), text.size(), error);
-  if (error == boost::json::error::too_deep) return {JSONReadOutcome::tooDeep, {}};
+  if (error == boost::json::error::too_deep && isJSONText(text)) return {JSONReadOutcome::tooDeep, {}};
   if (error.failed() || used != text.size()) return {JSONReadOutcome::invalid, {}};
   return {JSONReadOutcome::ok, parser.handler().takeDocument()};
 }

@@ -15,7 +15,7 @@ inline constexpr std::size_t maxReadNesting = 512;
 enum class JSONReadOutcome {
   ok,       ///< the text is one JSON value
   invalid,  ///< the text is not JSON
-  tooDeep,  ///< the text nests deeper than maxReadNesting; what follows that point was not looked at
+  tooDeep,  ///< the text is one JSON value, but nests deeper than maxReadNesting
 };
 
 struct JSONReadResult {
@@ -23,8 +23,8 @@ struct JSONReadResult {
   JSON value;  ///< null unless the outcome is ok
 };
 
-/// Reads `text` as one JSON value, surrounding white space allowed. Never throws for bad text. An exponent that does
-/// not fit 32 bits makes a number invalid.
+/// Reads `text` as one JSON value, surrounding white space allowed. Never throws for bad text. A number with an
+/// exponent of more than about two thousand million, either way, is invalid.
 JSONReadResult readJSON(std::string_view text);
 
 /// Reads `text` as one JSON object; nothing if it is anything else.

@@ -105,6 +105,8 @@ class Writer {
 
  private:
   static constexpr std::size_t indentStep = 2;
+  // Where a hostile application nests hundreds of levels, blanks would outweigh the rest by far.
+  static constexpr std::size_t maxIndent = 32;
 
   // The number of bytes at the start of `value` that stand for themselves. Looks at eight at a time.
   std::size_t plainPrefix(std::string_view value) const {
@@ -166,11 +168,11 @@ class Writer {
   void startLine(char opening, std::size_t indent) {
     text_ += opening;
     newline();
-    text_.append(indent, ' ');
+    text_.append(std::min(indent, maxIndent), ' ');
   }
   void endLines(char closing, std::size_t indent) {
     newline();
-    text_.append(indent, ' ');
+    text_.append(std::min(indent, maxIndent), ' ');
     text_ += closing;
   }
 

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "core/json_reader.h"
+#include "core/json_syntax.h"
 #include "core/json_writer.h"
 #include "core/utf8.h"
 #include "fuzz/require.h"
@@ -41,9 +42,13 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   const orvane::JSONReadResult result = orvane::readJSON(text);
   if (result.outcome != JSONReadOutcome::ok) {
-    require(result.value.isNull(), "what is not JSON has no value");
+    require(result.value.isNull(), "what is not read has no value");
+    const bool mayHaveHugeExponent = text.find_first_of("eE") != std::string_view::npos;
+    require(orvane::isJSONText(text) == (result.outcome == JSONReadOutcome::tooDeep) || mayHaveHugeExponent,
+            "what is not read is no JSON, or too deep");
     return 0;
   }
+  require(orvane::isJSONText(text), "what is read is JSON");
   require(orvane::isValidUTF8(text), "JSON text is UTF-8");
   const JSON& value = result.value;
 

@@ -91,6 +91,15 @@ TEST(WriteJSONTest, NumbersComeOutAsTheyWentIn) {
   EXPECT_EQ(writeCompactJSON(parsed(writePrettyJSON(parsed(text)))), text);
 }
 
+TEST(WritePrettyJSONTest, IndentationEndsToGrowAtSixteenLevels) {
+  const std::string text = writePrettyJSON(parsed(nestedArrays(100, "1")));
+  const std::string widest(32, ' ');
+  EXPECT_NE(text.find("\n" + widest + "["), std::string::npos);
+  EXPECT_EQ(text.find(widest + " "), std::string::npos);
+  EXPECT_NE(text.find("\n" + widest + "1\n" + widest + "]"), std::string::npos);
+  EXPECT_TRUE(text.ends_with("\n  ]\n]"));
+}
+
 TEST(WriteJSONTest, TheDeepestReadableValueCanBeWritten) {
   const std::string arrays = nestedArrays(maxReadNesting, "1");
   EXPECT_EQ(writeCompactJSON(parsed(arrays)), arrays);

@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <filesystem>
 
 #include "tests/support/file_content.h"
 #include "tests/support/scripted_application.h"
@@ -26,7 +25,7 @@ class BridgeConnectionTest : public ServerTest {
     Json response = call(server);
     expectPong(*server);
     expectCleanEnd(*server);
-    EXPECT_EQ(application.requests().size(), 1U);
+    EXPECT_EQ(application.connectionCount(), 1);
     return response;
   }
 };
@@ -141,6 +140,35 @@ TEST_F(BridgeConnectionTest, AResponseInManyPieces) {
     for (const char byte : std::string("{\"ok\":true,\"result\":{\"a\":[1,2]}}\n")) connection.send({&byte, 1});
   });
   EXPECT_EQ(toolResult(response), parseJson(R"({"a":[1,2]})"));
+}
+
+// Neither a whole response nor a line feed ends the answer; only the application does.
+TEST_F(BridgeConnectionTest, TheAnswerIsReadToItsEnd) {
+  const auto inTwoPieces = [this](const std::string& first, const std::string& second) {
+    return callWith([=](Connection& connection) {
+      connection.readToEnd();
+      connection.send(first);
+      usleep(100000);
+      connection.send(second);
+    });
+  };
+  expectError(inTwoPieces("{\"ok\":true}\n", "x"), 1, -32002,
+              "Malformed response from Orvane: response was not a JSON object");
+  EXPECT_EQ(toolResult(inTwoPieces("{\"ok\":true,\n", "\"result\":[1]}\n")), parseJson("[1]"));
+}
+
+// Blanks of an indentation that grew with every level would make gigabytes of a megabyte.
+TEST_F(BridgeConnectionTest, ADeepAnswerDoesNotSwell) {
+  std::string ones;
+  while (ones.size() < 1000000) ones += "1,";
+  const std::string deep = std::string(500, '[') + ones + "1" + std::string(500, ']');
+  const ScriptedApplication application(home_.socketPath(), answerWith(R"({"ok":true,"result":)" + deep + "}"));
+  auto server = start();
+  server->send(toolCall("get_insights") + "\n");
+  const std::optional<std::string> answer = server->readLine();
+  ASSERT_TRUE(answer.has_value());
+  EXPECT_LT(answer->size(), 20U * deep.size());
+  expectCleanEnd(*server);
 }
 
 TEST_F(BridgeConnectionTest, ManyFailingCallsLeaveNoDescriptorBehind) {

@@ -14,7 +14,7 @@ class BridgeTest : public ServerTest {
     Json response = server->request(toolCall("set_input_device", R"({"name":"USB Mic"})"));
     expectPong(*server);
     expectCleanEnd(*server);
-    EXPECT_EQ(application.requests().size(), 1U);
+    EXPECT_EQ(application.connectionCount(), 1);
     return response;
   }
 

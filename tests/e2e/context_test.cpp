@@ -3,9 +3,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <fstream>
-#include <iterator>
+#include <ctime>
+#include <filesystem>
 
+#include "tests/support/file_content.h"
 #include "tests/support/server_test.h"
 
 namespace orvane::test {
@@ -16,11 +17,7 @@ const std::string logFile = ".config/orvane/mcp-context-reads.jsonl";
 
 class ContextTest : public ServerTest {
  protected:
-  std::string content(const std::string& relativePath) const {
-    std::ifstream stream(home_.path() + "/" + relativePath, std::ios::binary);
-    EXPECT_TRUE(stream) << relativePath;
-    return {std::istreambuf_iterator<char>(stream), {}};
-  }
+  std::string content(const std::string& relativePath) const { return readFile(home_.path() + "/" + relativePath); }
 
   // The log's records, after checking that it is whole lines of one object each.
   std::vector<Json> records() const {
@@ -77,6 +74,24 @@ TEST_F(ContextTest, EachCallLeavesOneRecordInOrderAndPendingOnesAreWrittenAtTheE
   }
 }
 
+// The home directory is looked up for the first time by the log itself, maybe while the process ends.
+TEST_F(ContextTest, RefusedNotesAreRecordedEvenIfTheyAreAllThereIs) {
+  const std::string directory = home_.root() + "/started-here";
+  std::filesystem::create_directory(directory);
+  constexpr std::size_t calls = 5;
+  constexpr std::size_t rounds = 40;
+  for (std::size_t round = 1; round <= rounds; ++round) {
+    Launch launch;
+    launch.workingDirectory = directory;
+    auto server = start(launch);
+    for (std::size_t call = 0; call < calls; ++call) server->send(toolCall("remember_preference") + "\n");
+    EXPECT_EQ(server->finish().size(), calls);
+    EXPECT_EQ(server->standardError(), "");
+    ASSERT_EQ(records().size(), round * calls);
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(directory));
+}
+
 TEST_F(ContextTest, AFilteredOutToolLeavesNoRecord) {
   auto server = start(std::vector<std::string>{"--read-only"});
   expectError(server->request(toolCall("remember_preference", R"({"note":"a"})")), 1, -32602,
@@ -120,6 +135,46 @@ TEST_F(ContextTest, ALogThatTakesNoDataIsAFailedWrite) {
   EXPECT_EQ(toolResult(server->request(toolCall("read_preferences"))),
             parseJson(R"({"content":"- note\n","char_count":7})"));
   expectCleanEnd(*server, "ContextAuditLog: write failed: No space left on device (errno 28)\n");
+}
+
+// A file that has reached the user's limit is a failed write; the signal that the system sends with it ends nothing.
+TEST_F(ContextTest, ALogAtTheLimitOfFileSizesIsAFailedWrite) {
+  home_.write(preferencesFile, "- note\n");
+  home_.write(logFile, std::string(4096, '\n'));
+  Launch launch;
+  launch.program = "/bin/sh";
+  launch.arguments = {"-c", "ulimit -f 1; exec \"$0\"", ORVANE_MCP_PROGRAM};
+  auto server = start(launch);
+  EXPECT_EQ(toolResult(server->request(toolCall("read_preferences"))),
+            parseJson(R"({"content":"- note\n","char_count":7})"));
+  expectCleanEnd(*server, "ContextAuditLog: write failed: File too large (errno 27)\n");
+}
+
+TEST_F(ContextTest, NewFilesHaveTheDefaultPermissions) {
+  Launch launch;
+  launch.program = "/bin/sh";
+  launch.arguments = {"-c", "umask 023; exec \"$0\"", ORVANE_MCP_PROGRAM};
+  auto server = start(launch);
+  toolResult(server->request(toolCall("remember_preference", R"({"note":"a"})")));
+  expectCleanEnd(*server);
+  for (const std::string& file : {logFile, preferencesFile}) {
+    struct stat status {};
+    ASSERT_EQ(stat((home_.path() + "/" + file).c_str(), &status), 0) << file;
+    EXPECT_EQ(status.st_mode & 07777U, 0644U) << file;
+  }
+}
+
+TEST_F(ContextTest, TimesAreInUTCWhateverTheTimeZone) {
+  auto server = start({}, {"TZ=XXX-9"});
+  const std::time_t before = std::time(nullptr);
+  toolResult(server->request(toolCall("read_preferences")));
+  expectCleanEnd(*server);
+  const std::time_t after = std::time(nullptr);
+  std::tm utc{};
+  const std::string text(records().at(0).at("ts").as_string());
+  ASSERT_NE(strptime(text.c_str(), "%Y-%m-%dT%H:%M:%S", &utc), nullptr);
+  EXPECT_GE(timegm(&utc), before);
+  EXPECT_LE(timegm(&utc), after);
 }
 
 TEST_F(ContextTest, AFIFOInPlaceOfThePreferencesIsUnreadable) {

@@ -140,8 +140,9 @@ class EveryCallTest : public FaultTest, public ::testing::WithParamInterface<Swe
   static bool isHarmless(const std::string& function, int kind) {
     if (kind == shortTransfer) return true;
     if (kind != EINTR) return function == "tee" || function == "recv" || function == "pread";
-    return function != "socket" && function != "getsockopt" && function != "rename" && function != "fstat" &&
-           function != "stat" && function != "mkdir" && function != "pthread_create" && function != "pipe2";
+    return function != "socket" && function != "connect" && function != "getsockopt" && function != "rename" &&
+           function != "fstat" && function != "stat" && function != "mkdir" && function != "pthread_create" &&
+           function != "pipe2";
   }
 };
 

@@ -278,10 +278,17 @@ TEST_F(DispatcherTest, ExtremeDepthIsAnsweredToo) {
     EXPECT_EQ(answerTo("  " + nestedPing(levels, "")), depthError) << levels;
     EXPECT_EQ(answerTo(nestedArrays(levels)), parseError) << levels;
   }
+}
+
+TEST_F(DispatcherTest, WhatIsNoJSONIsAParseErrorAtAnyDepth) {
   EXPECT_EQ(answerTo(std::string(1048576, '[')), parseError);
-  // Closed too early or never: deeper than anything worth reading.
-  EXPECT_EQ(answerTo("{\"a\":" + std::string(1000000, '[')), depthError);
-  EXPECT_EQ(answerTo("{\"a\":" + std::string(100, '[')), parseError);
+  for (const std::size_t levels : {std::size_t{100}, std::size_t{511}, std::size_t{512}, std::size_t{500000}}) {
+    const std::string opened = "{\"a\":" + std::string(levels, '[');
+    EXPECT_EQ(answerTo(opened), parseError) << levels;
+    EXPECT_EQ(answerTo(opened + "x"), parseError) << levels;
+    EXPECT_EQ(answerTo(opened + std::string(levels, ']')), parseError) << levels;
+    EXPECT_EQ(answerTo(nestedPing(levels, "") + "}"), parseError) << levels;
+  }
 }
 
 }  // namespace

@@ -97,6 +97,16 @@ TEST_F(FindVersionTest, OddPathsNeverFail) {
   }
 }
 
+// The system hands over an argv[0] of up to 128 KiB.
+TEST_F(FindVersionTest, APathLongerThanAnyFileHasIsSearchedToo) {
+  writeFile(home_.file("VERSION"), "1.2.3");
+  std::string longTail;
+  while (longTail.size() < 131000) longTail += "/a";
+  EXPECT_EQ(findVersion(longTail), "0.0.0-dev");
+  EXPECT_EQ(findVersion(home_.path() + longTail), "0.0.0-dev");
+  EXPECT_EQ(findVersion(std::string(131000, 'a')), "0.0.0-dev");
+}
+
 TEST(OrvaneVersionToolTest, AnswersTheVersionAloneWhateverTheArguments) {
   const JSON expected = JSON::Object{{"version", applicationVersion()}};
   EXPECT_EQ(writeCompactJSON(OrvaneVersionTool::call({})), writeCompactJSON(expected));
