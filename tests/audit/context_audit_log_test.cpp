@@ -2,13 +2,16 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <future>
 #include <map>
 #include <new>
 #include <thread>
@@ -36,8 +39,8 @@ class ContextAuditLogTest : public testing::Test {
   std::string path() const { return home_.file(".config/orvane/mcp-context-reads.jsonl"); }
   std::string logged() const { return readFile(path()); }
   void recordAndDrain(ContextAuditRecord record) {
-    log.record(std::move(record));
-    log.drain();
+    log_.record(std::move(record));
+    log_.drain();
   }
   std::string standardErrorOf(ContextAuditRecord record) {
     testing::internal::CaptureStderr();
@@ -45,16 +48,16 @@ class ContextAuditLogTest : public testing::Test {
     return testing::internal::GetCapturedStderr();
   }
   std::string timestampAt(TimePoint time) {
-    now = time;
+    now_ = time;
     fs::remove(path());
     recordAndDrain({.tool = "t", .result = "ok"});
     return *readJSONObject(logged()).value().find("ts")->asString();
   }
 
   FakeHome home_;
-  TimePoint now{1794792225678ms};  // changed only while the queue is idle
-  int cues = 0;
-  ContextAuditLog log{{[this] { return now; }, [this] { ++cues; }}};
+  TimePoint now_{1794792225678ms};  // changed only while the queue is idle
+  int cues_ = 0;
+  ContextAuditLog log_{{[this] { return now_; }, [this] { ++cues_; }}};
 };
 
 const ContextAuditRecord plain{.tool = "read_preferences", .result = "ok"};
@@ -100,6 +103,26 @@ TEST_F(ContextAuditLogTest, DropsARecordThatIsNoTextSilently) {
   EXPECT_TRUE(fs::exists(path()));
 }
 
+TEST_F(ContextAuditLogTest, ARecordIsMadeOnTheLogsOwnThread) {
+  setenv("ORV_MCP_AUDIBLE", "0", 1);
+  std::promise<void> mayGoOn;
+  std::array<char, 64> threadName{};
+  ContextAuditLog other({[&] {
+                           pthread_getname_np(pthread_self(), threadName.data(), threadName.size());
+                           mayGoOn.get_future().wait();
+                           return TimePoint{};
+                         },
+                         [] {}});
+  other.record(plain);
+  // The record waits, its caller does not.
+  EXPECT_FALSE(fs::exists(path()));
+  mayGoOn.set_value();
+  other.drain();
+  EXPECT_EQ(splitAt(logged(), "\n").size(), 2U);
+  const std::string label = "com.orvane.mcp.context-audit";
+  EXPECT_TRUE(label.ends_with(threadName.data()) && threadName[0] != '\0') << threadName.data();
+}
+
 TEST_F(ContextAuditLogTest, AFailureOnTheQueueCostsOneRecord) {
   bool failing = false;
   ContextAuditLog other({[&]() -> TimePoint {
@@ -118,33 +141,33 @@ TEST_F(ContextAuditLogTest, AFailureOnTheQueueCostsOneRecord) {
 }
 
 TEST_F(ContextAuditLogTest, CueSoundsAtMostOnceInTwoSeconds) {
-  const TimePoint start = now;
+  const TimePoint start = now_;
   const std::pair<std::chrono::milliseconds, int> steps[] = {{0ms, 1},    {0ms, 1},    {1999ms, 1}, {2000ms, 2},
                                                              {3999ms, 2}, {1000ms, 2}, {4000ms, 3}, {60000ms, 4}};
   for (const auto& [offset, expected] : steps) {
-    now = start + offset;
+    now_ = start + offset;
     recordAndDrain(plain);
-    EXPECT_EQ(cues, expected) << offset.count();
+    EXPECT_EQ(cues_, expected) << offset.count();
   }
 }
 
 TEST_F(ContextAuditLogTest, OnlyExactlyZeroSilencesTheCue) {
   for (const char* value : {"", "false", "1", "00", " 0", "0 "}) {
     setenv("ORV_MCP_AUDIBLE", value, 1);
-    cues = 0;
-    now += 2s;
+    cues_ = 0;
+    now_ += 2s;
     recordAndDrain(plain);
-    EXPECT_EQ(cues, 1) << value;
+    EXPECT_EQ(cues_, 1) << value;
   }
   setenv("ORV_MCP_AUDIBLE", "0", 1);
-  cues = 0;
-  now += 2s;
+  cues_ = 0;
+  now_ += 2s;
   recordAndDrain(plain);
-  EXPECT_EQ(cues, 0);
+  EXPECT_EQ(cues_, 0);
   // The silent record did not count as a cue.
   unsetenv("ORV_MCP_AUDIBLE");
   recordAndDrain(plain);
-  EXPECT_EQ(cues, 1);
+  EXPECT_EQ(cues_, 1);
 }
 
 TEST_F(ContextAuditLogTest, SharedLogPlaysTink) {

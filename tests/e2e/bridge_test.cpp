@@ -1,4 +1,8 @@
 // Forwarded calls: what reaches the application, and what its answers become.
+#include <algorithm>
+#include <set>
+
+#include "tests/support/file_content.h"
 #include "tests/support/scripted_application.h"
 #include "tests/support/server_test.h"
 
@@ -67,6 +71,24 @@ TEST_F(BridgeTest, OriginKeysCannotBeForged) {
   const std::string both = requestFor(forged, {"--agent", "cli"}, assistant);
   expectRequest(both, R"({"_agent":"cli","_origin":"assistant",)" + kept + "}");
   EXPECT_EQ(both.find("\"_origin\":\"assistant\""), both.rfind("\"_origin\":\"assistant\"")) << both;
+}
+
+TEST_F(BridgeTest, LocalToolsNeverConnectAndForwardedOnesAlwaysDo) {
+  const ScriptedApplication application(home_.socketPath(), answerWith("{\"ok\":true}\n"));
+  const std::set<std::string> local{"current_settings", "list_dictionary",  "list_augments",
+                                    "orvane_version",   "read_preferences", "remember_preference"};
+  auto server = start();
+  int connections = 0;
+  for (const std::string& name : toolNames(*server)) {
+    toolResult(server->request(toolCall(name)));
+    connections += local.contains(name) ? 0 : 1;
+    EXPECT_EQ(application.connectionCount(), connections) << name;
+  }
+  EXPECT_EQ(connections, 36);
+  expectCleanEnd(*server);
+  // None but the two tools that deal with preferences is recorded.
+  const std::string log = readFile(home_.path() + "/.config/orvane/mcp-context-reads.jsonl");
+  EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 2);
 }
 
 TEST_F(BridgeTest, TheAgentNameIsTakenAsItStands) {

@@ -197,6 +197,30 @@ TEST_F(PreferencesTest, SaysWhyItCannotWrite) {
             "ContextAuditLog: open for write failed: " + home_.file(".config/orvane/mcp-context-reads.jsonl") + "\n");
 }
 
+TEST_F(PreferencesTest, SaysWhyTheFileCannotBeReplaced) {
+  fs::create_directories(home_.file(".config/orvane"));
+  fs::create_symlink(home_.file("gone/p.md"), path());
+  EXPECT_EQ(remember("n"), R"({"error":"could not write preferences","details":")" + errorText(ENOENT) + "\"}");
+  EXPECT_EQ(entries(), 2U);  // the link and the log
+  EXPECT_EQ(lastRecordLessTime(), R"({"tool":"remember_preference","result":"error: could not write preferences"})");
+}
+
+TEST_F(PreferencesTest, ANoteIsLookedAtBeforeAnyFile) {
+  writeFile(home_.file(".config"), "a file in the way");
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(remember(" "), emptyNote);
+  EXPECT_EQ(remember(std::string(1025, 'n')), tooLong);
+  EXPECT_EQ(remember(1), required);
+  testing::internal::GetCapturedStderr();
+}
+
+TEST_F(PreferencesTest, AFileInPlaceOfADirectoryIsNoNotes) {
+  writeFile(home_.file(".config"), "a file in the way");
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(read(), R"({"content":"","char_count":0})");
+  testing::internal::GetCapturedStderr();
+}
+
 TEST_F(PreferencesTest, WritesThroughLinks) {
   writeFile(home_.file("dotfiles/p.md"), "old\n");
   fs::create_directories(home_.file(".config/orvane"));
