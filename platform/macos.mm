@@ -22,6 +22,17 @@ std::string toUTF8(NSString* string) {
                           : std::string(bytes, [string lengthOfBytesUsingEncoding:NSUTF8StringEncoding]);
 }
 
+// The preferences of `suite`, or nil. The system opens no suite by the name of the program's own bundle; that is the
+// application's where the program lies in it, and then the standard preferences are the ones.
+NSUserDefaults* preferencesOf(NSString* suite) {
+  if ([suite isEqual:[[NSBundle mainBundle] bundleIdentifier]]) return [NSUserDefaults standardUserDefaults];
+  NSUserDefaults* const preferences = [[NSUserDefaults alloc] initWithSuiteName:suite];
+#if !__has_feature(objc_arc)
+  [preferences autorelease];
+#endif
+  return preferences;
+}
+
 // Nothing tells when a sound has been played to its end, so each one that was ever started is kept.
 void keep(NSSound* sound, NSString* name) {
   static NSMutableDictionary* const kept = [[NSMutableDictionary alloc] init];
@@ -65,13 +76,8 @@ std::vector<std::string> preferencesStringArray(const std::string& domain, const
     NSString* const name = toNSString(key);
     // No name at all would open this program's own preferences.
     if (suite == nil || name == nil) return strings;
-    // The system gives nil for a name that it does not take for a suite: its global domain and this program's own.
-    // Such a domain reads as empty, because a message to nil answers nil.
-    NSUserDefaults* const defaults = [[NSUserDefaults alloc] initWithSuiteName:suite];
-    for (NSString* string in [defaults stringArrayForKey:name]) strings.push_back(toUTF8(string));
-#if !__has_feature(objc_arc)
-    [defaults release];
-#endif
+    // The system's global domain is no suite either. It reads as empty, because a message to nil answers nil.
+    for (NSString* string in [preferencesOf(suite) stringArrayForKey:name]) strings.push_back(toUTF8(string));
   }
   return strings;
 }

@@ -41,7 +41,13 @@ typedef struct {
 - (void)setObject:(nonnull Value)value forKey:(nonnull Key<NSCopying>)key;
 @end
 
+@interface NSBundle : NSObject
+@property(class, readonly, nonnull) NSBundle* mainBundle;
+@property(readonly, nullable) NSString* bundleIdentifier;
+@end
+
 @interface NSUserDefaults : NSObject
+@property(class, readonly, nonnull) NSUserDefaults* standardUserDefaults;
 - (nullable instancetype)initWithSuiteName:(nullable NSString*)suite __attribute__((objc_designated_initializer));
 - (nullable NSArray<NSString*>*)stringArrayForKey:(nonnull NSString*)key;
 @end
