@@ -6,7 +6,7 @@ import fs from "node:fs";
 import os from "node:os";
 import path from "node:path";
 import { fileURLToPath } from "node:url";
-import { PrivateHome } from "../tests/clients/private_home.mjs";
+import { PrivateHome } from "../tests/support/private_home.mjs";
 import { writeDocuments } from "./documents.mjs";
 
 const here = path.dirname(fileURLToPath(import.meta.url));
@@ -17,7 +17,7 @@ const rounds = (full) => (quick ? Math.max(3, Math.floor(full / 20)) : full);
 const program = path.join(build, "orvane-mcp");
 const floor = path.join(build, "bench", "floor-server");
 const home = new PrivateHome();
-const socket = path.join(home.directory, "Library/Application Support/Orvane/mcp.sock");
+const socket = home.socket;
 fs.mkdirSync(path.dirname(socket), { recursive: true });
 home.write("settings.json", '{"assistantBackend":"claude","assistantEnabled":true,"agentVoices":{"claude":"heart2"}}');
 const documents = writeDocuments(home.scratch("documents"));

@@ -25,7 +25,8 @@ function add(file, { line_number: number, count, branches }) {
   const line = lines.get(number) ?? lines.set(number, { count: 0, branches: new Map() }).get(number);
   line.count += count;
   const counts = branches.filter((branch) => !branch.throw).map((branch) => branch.count);
-  const known = line.branches.get(counts.length) ?? line.branches.set(counts.length, counts.map(() => 0)).get(counts.length);
+  if (!line.branches.has(counts.length)) line.branches.set(counts.length, counts.map(() => 0));
+  const known = line.branches.get(counts.length);
   counts.forEach((taken, index) => { known[index] += taken; });
 }
 
@@ -47,7 +48,9 @@ for (const folder of folders) {
 const percent = (part, whole) => (whole === 0 ? '  100.0' : ((100 * part) / whole).toFixed(1).padStart(7));
 const total = { lines: 0, linesHit: 0, branches: 0, branchesHit: 0 };
 const missed = [];
-console.log(`${'file'.padEnd(36)} ${'lines'.padStart(6)} ${'%'.padStart(7)} ${'branches'.padStart(9)} ${'%'.padStart(7)}`);
+console.log(
+  `${'file'.padEnd(36)} ${'lines'.padStart(6)} ${'%'.padStart(7)} ${'branches'.padStart(9)} ${'%'.padStart(7)}`,
+);
 for (const [name, lines] of [...files].sort()) {
   const sum = { lines: lines.size, linesHit: 0, branches: 0, branchesHit: 0 };
   for (const [number, { count, branches }] of [...lines].sort((a, b) => a[0] - b[0])) {

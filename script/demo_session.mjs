@@ -7,9 +7,10 @@ import fs from 'node:fs';
 import path from 'node:path';
 import readline from 'node:readline';
 
-import { PrivateHome } from '../tests/clients/private_home.mjs';
+import { PrivateHome } from '../tests/support/private_home.mjs';
+import { Standin } from '../tests/support/standin.mjs';
 
-const [server, standin] = process.argv.slice(2).map((file) => path.resolve(file));
+const [server, standinProgram] = process.argv.slice(2).map((file) => path.resolve(file));
 const longestAnswer = 24;  // lines shown of one answer
 
 // How the stand-in is told to behave as an application whose user said no.
@@ -105,26 +106,15 @@ class Agent {
   }
 }
 
-/** Starts the stand-in; gives the running process once it listens. */
+/** Starts the stand-in; gives it once it listens. What else it says is shown. */
 async function startStandin() {
   const script = path.join(home.scratch('standin'), 'script.json');
   fs.writeFileSync(script, JSON.stringify(standinScript));
-  const running = spawn(standin, ['--script', script], {
-    env: home.environment(standin),
-    stdio: ['ignore', 'pipe', 'pipe'],
-  });
-  // Either stream may bring the line, so both are read.
-  await new Promise((resolve, reject) => {
-    for (const stream of [running.stdout, running.stderr]) {
-      readline.createInterface({ input: stream }).on('line', (line) => {
-        if (line.startsWith('orvane-standin: listening at ')) resolve();
-        else say(colour(2, line));
-      });
-    }
-    running.once('close', (status) => reject(new Error(`the stand-in ended with status ${status}`)));
-    running.once('error', reject);
-  });
-  return running;
+  const standin = await new Standin(standinProgram, home, '--script', script).listening();
+  for (const stream of [standin.process.stdout, standin.process.stderr]) {
+    readline.createInterface({ input: stream }).on('line', (line) => say(colour(2, line)));
+  }
+  return standin;
 }
 
 async function applicationClosed(agent) {
@@ -176,23 +166,19 @@ async function applicationRunning(agent) {
   await agent.call('get_slate');
 }
 
-let application;
+let standin;
 try {
   writeSamples();
   say(`A private home for this session: ${home.directory}`);
   const agent = new Agent('--agent', 'demo');
   await applicationClosed(agent);
-  application = await startStandin();
+  standin = await startStandin();
   heading('The application (a stand-in for it) is started');
   await applicationRunning(agent);
   heading('The end');
   await agent.end();
   if (home.decoyEntries().length > 0) throw new Error('the server wrote into HOME');
 } finally {
-  if (application && application.exitCode === null) {
-    const ended = once(application, 'close');
-    application.kill('SIGTERM');
-    await ended;
-  }
+  await standin?.end();
   home.remove();
 }

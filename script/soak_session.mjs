@@ -7,9 +7,10 @@ import fs from 'node:fs';
 import path from 'node:path';
 import { setTimeout as pause } from 'node:timers/promises';
 
-import { PrivateHome } from '../tests/clients/private_home.mjs';
+import { PrivateHome } from '../tests/support/private_home.mjs';
+import { Standin } from '../tests/support/standin.mjs';
 
-const [server, standin] = process.argv.slice(2, 4).map((file) => path.resolve(file));
+const [server, standinProgram] = process.argv.slice(2, 4).map((file) => path.resolve(file));
 const total = Number(process.argv[4]);
 
 const inFlight = 64;  // requests that wait for their answers at one time
@@ -41,23 +42,6 @@ const mix = [
   { method: 'initialize', params: {} },
 ];
 
-const home = new PrivateHome();
-home.write('settings.json', '{"assistantBackend":"local","inputDevice":1}');
-home.write('replacements.txt', '[replacements]\nomw -> on my way\n[fillers]\num, uh\n');
-home.write('augments/mine.md', '---\nname: Mine\n---\n');
-home.write('preferences.md', '- Keep answers short.\n');
-
-/** Starts the stand-in; gives the running process once its socket is there. */
-async function startStandin() {
-  const running = spawn(standin, [], { env: home.environment(standin), stdio: 'ignore' });
-  const socket = path.join(home.directory, 'Library/Application Support/Orvane/mcp.sock');
-  while (!fs.existsSync(socket)) {
-    if (running.exitCode !== null) throw new Error(`the stand-in ended with status ${running.exitCode}`);
-    await pause(10);
-  }
-  return running;
-}
-
 const status = (pid, key) =>
   Number(new RegExp(`^${key}:\\s+(\\d+)`, 'm').exec(fs.readFileSync(`/proc/${pid}/status`, 'utf8'))[1]);
 const residentKiB = (pid) => status(pid, 'VmRSS');
@@ -75,10 +59,24 @@ class Session {
   errors = 0;
   #rest = '';
   #wake = () => {};
+  #failure;
 
   constructor(child) {
     this.child = child;
-    child.stdout.setEncoding('utf8').on('data', (text) => this.#take(text));
+    child.stdout.setEncoding('utf8').on('data', (text) => {
+      try {
+        this.#take(text);
+      } catch (error) {
+        this.#fail(error);
+      }
+    });
+    child.stdin.on('error', (error) => this.#fail(error));
+    child.once('close', (status, signal) => this.#fail(new Error(`the server ended: ${signal ?? `status ${status}`}`)));
+  }
+
+  #fail(error) {
+    this.#failure ??= error;
+    this.#wake();
   }
 
   #take(text) {
@@ -99,6 +97,7 @@ class Session {
   /** Sends requests of the mix until `count` were sent in all, and waits for every answer. */
   async runTo(count) {
     while (this.answered < count) {
+      if (this.#failure) throw this.#failure;
       let text = '';
       while (this.sent < count && this.sent - this.answered < inFlight) {
         text += `${JSON.stringify({ jsonrpc: '2.0', id: this.sent, ...mix[this.sent % mix.length] })}\n`;
@@ -112,72 +111,102 @@ class Session {
   }
 }
 
+/** The session from the first request to the end of the process, with what was measured on the way. */
+async function soak(home) {
+  const child = spawn(server, [], {
+    env: { ...home.environment(server), ORV_MCP_AUDIBLE: '0' },
+    cwd: '/',
+    stdio: ['pipe', 'pipe', 'inherit'],
+  });
+  try {
+    return await measure(child, new Session(child));
+  } finally {
+    child.kill();
+  }
+}
+
+async function measure(child, session) {
+  const started = Date.now();
+  await session.runTo(Math.floor(total / 10));
+  const memoryBefore = residentKiB(child.pid);
+  const descriptorsBefore = descriptors(child.pid);
+  await session.runTo(total);
+  const seconds = (Date.now() - started) / 1000;
+  const memoryAfter = residentKiB(child.pid);
+
+  const ticksBefore = processorTicks(child.pid);
+  await pause(200);
+  const switchesBefore = switches(child.pid);
+  await pause(idleSeconds * 1000);
+  const idleTicks = processorTicks(child.pid) - ticksBefore;
+  const idleSwitches = switches(child.pid) - switchesBefore;
+  const descriptorsAfter = descriptors(child.pid);
+
+  // The end comes right behind a call whose audit record is still to be written.
+  child.stdin.write(`${JSON.stringify({ jsonrpc: '2.0', id: session.sent, ...call('read_preferences') })}\n`);
+  session.sent += 1;
+  const ended = once(child, 'exit');
+  const drained = once(child, 'close');
+  const closed = process.hrtime.bigint();
+  child.stdin.end();
+  const [exitStatus] = await ended;
+  const exitMilliseconds = Number(process.hrtime.bigint() - closed) / 1e6;
+  await drained;
+  return {
+    session, seconds, memoryBefore, memoryAfter, descriptorsBefore, descriptorsAfter, idleTicks, idleSwitches,
+    exitStatus, exitMilliseconds,
+  };
+}
+
+/** How many records the audit log must hold: one for each call of a tool of the notes, and one for the last call. */
+const expectedRecords = mix
+  .map(({ params }, i) =>
+    /_preferences?$/.test(params?.name ?? '') ? Math.floor((total - i + mix.length - 1) / mix.length) : 0)
+  .reduce((sum, count) => sum + count, 1);
+
 const failures = [];
 function report(what, value, isGood, bound) {
   console.log(`${what.padEnd(44)} ${String(value).padStart(14)}${bound ? `   (${bound})` : ''}`);
   if (!isGood) failures.push(what);
 }
 
-const application = await startStandin();
-const child = spawn(server, [], {
-  env: { ...home.environment(server), ORV_MCP_AUDIBLE: '0' },
-  cwd: '/',
-  stdio: ['pipe', 'pipe', 'inherit'],
-});
-const session = new Session(child);
-const started = Date.now();
+function reportAll(seen, records) {
+  const { session } = seen;
+  const growth = seen.memoryAfter / seen.memoryBefore - 1;
+  report('requests', session.sent, true);
+  report('answers, each in its place', session.answered, session.answered === session.sent);
+  report('  results', session.results, session.results > 0);
+  report('  errors', session.errors, session.errors > 0);
+  report('requests per second', Math.round(total / seen.seconds), true);
+  report('resident memory after a tenth, KiB', seen.memoryBefore, true);
+  report('resident memory at the end, KiB', seen.memoryAfter, true);
+  report('growth', `${(growth * 100).toFixed(2)} %`, growth < limits.memoryGrowth, 'under 1 %');
+  report('descriptors after a tenth and at the end', `${seen.descriptorsBefore} ${seen.descriptorsAfter}`,
+    seen.descriptorsBefore === seen.descriptorsAfter, 'equal');
+  report(`processor ticks in ${idleSeconds} s idle`, seen.idleTicks, seen.idleTicks <= limits.idleTicks, 'none');
+  report(`context switches in ${idleSeconds} s idle`, seen.idleSwitches,
+    seen.idleSwitches <= limits.idleSwitches, 'none');
+  report('exit status', seen.exitStatus, seen.exitStatus === 0);
+  report('end of input to end of process, ms', seen.exitMilliseconds.toFixed(1),
+    seen.exitMilliseconds < limits.exitMilliseconds, 'under 100');
+  report('audit records', records, records === expectedRecords, `${expectedRecords} expected`);
+}
 
-await session.runTo(Math.floor(total / 10));
-const memoryBefore = residentKiB(child.pid);
-const descriptorsBefore = descriptors(child.pid);
-await session.runTo(total);
-const seconds = (Date.now() - started) / 1000;
-const memoryAfter = residentKiB(child.pid);
-
-const ticksBefore = processorTicks(child.pid);
-await pause(200);
-const switchesBefore = switches(child.pid);
-await pause(idleSeconds * 1000);
-const idleTicks = processorTicks(child.pid) - ticksBefore;
-const idleSwitches = switches(child.pid) - switchesBefore;
-const descriptorsAfter = descriptors(child.pid);
-
-// The end comes right behind a call whose audit record is still to be written.
-child.stdin.write(`${JSON.stringify({ jsonrpc: '2.0', id: session.sent, ...call('read_preferences') })}\n`);
-session.sent += 1;
-const ended = once(child, 'exit');
-const closed = process.hrtime.bigint();
-child.stdin.end();
-const [exitStatus] = await ended;
-const exitMilliseconds = Number(process.hrtime.bigint() - closed) / 1e6;
-while (session.answered < session.sent) await pause(10);
-application.kill();
-
-const growth = memoryAfter / memoryBefore - 1;
-const records = fs.readFileSync(path.join(home.configuration, 'mcp-context-reads.jsonl'), 'utf8').split('\n').length - 1;
-const expectedRecords =
-  Array.from({ length: mix.length }, (_, i) => mix[i].params?.name)
-    .map((name, i) =>
-      /_preferences?$/.test(name ?? '') ? Math.floor((total - i + mix.length - 1) / mix.length) : 0)
-    .reduce((sum, count) => sum + count, 1);
-
-report('requests', session.sent, true);
-report('answers, each in its place', session.answered, session.answered === session.sent);
-report('  results', session.results, session.results > 0);
-report('  errors', session.errors, session.errors > 0);
-report('requests per second', Math.round(total / seconds), true);
-report('resident memory after a tenth, KiB', memoryBefore, true);
-report('resident memory at the end, KiB', memoryAfter, true);
-report('growth', `${(growth * 100).toFixed(2)} %`, growth < limits.memoryGrowth, 'under 1 %');
-report('descriptors after a tenth and at the end', `${descriptorsBefore} ${descriptorsAfter}`,
-  descriptorsBefore === descriptorsAfter, 'equal');
-report(`processor ticks in ${idleSeconds} s idle`, idleTicks, idleTicks <= limits.idleTicks, 'none');
-report(`context switches in ${idleSeconds} s idle`, idleSwitches, idleSwitches <= limits.idleSwitches, 'none');
-report('exit status', exitStatus, exitStatus === 0);
-report('end of input to end of process, ms', exitMilliseconds.toFixed(1),
-  exitMilliseconds < limits.exitMilliseconds, 'under 100');
-report('audit records', records, records === expectedRecords, `${expectedRecords} expected`);
-home.remove();
+const home = new PrivateHome();
+let standin;
+try {
+  home.write('settings.json', '{"assistantBackend":"local","inputDevice":1}');
+  home.write('replacements.txt', '[replacements]\nomw -> on my way\n[fillers]\num, uh\n');
+  home.write('augments/mine.md', '---\nname: Mine\n---\n');
+  home.write('preferences.md', '- Keep answers short.\n');
+  standin = await new Standin(standinProgram, home).listening();
+  const seen = await soak(home);
+  const auditLog = fs.readFileSync(path.join(home.configuration, 'mcp-context-reads.jsonl'), 'utf8');
+  reportAll(seen, auditLog.split('\n').length - 1);
+} finally {
+  await standin?.end();
+  home.remove();
+}
 if (failures.length > 0) {
   console.error(`soak: FAILED: ${failures.join(', ')}`);
   process.exit(1);

@@ -2,7 +2,7 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
 
-import { folders, sourcesOf, textOf } from '../docs/product_messages.mjs';
+import { folders, sourcesOf, textOf } from '../support/sources.mjs';
 
 // The folders that each folder may include beside itself.
 const below = {
@@ -59,7 +59,8 @@ test('files form no circle', () => {
 });
 
 test('only the system\'s folder knows which system it is', () => {
-  const asks = (file) => [...code(file).matchAll(/\b(__APPLE__|__linux__|__MACH__|TARGET_OS_\w+)\b/g)].map((match) => match[0]);
+  const names = /\b(__APPLE__|__linux__|__MACH__|TARGET_OS_\w+)\b/g;
+  const asks = (file) => [...code(file).matchAll(names)].map((match) => match[0]);
   assert.deepEqual(findings(sources.filter((file) => folderOf(file) !== 'platform'), asks), []);
 });
 

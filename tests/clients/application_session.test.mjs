@@ -1,5 +1,5 @@
-// The official TypeScript SDK's client works with the application, for which the stand-in stands in: every forwarded tool
-// goes through server and socket, and the raw requests are compared.
+// The official TypeScript SDK's client works with the application, for which the stand-in stands in: every forwarded
+// tool goes through server and socket, and the raw requests are compared.
 import assert from 'node:assert/strict';
 import fs from 'node:fs';
 import path from 'node:path';
@@ -8,9 +8,9 @@ import { after, before, test } from 'node:test';
 import { Client } from '@modelcontextprotocol/sdk/client/index.js';
 import { StdioClientTransport } from '@modelcontextprotocol/sdk/client/stdio.js';
 
-import { PrivateHome } from './private_home.mjs';
-import { programUnderTest, toolCount } from './program.mjs';
-import { socketPath, StandIn } from './stand_in.mjs';
+import { PrivateHome } from '../support/private_home.mjs';
+import { programUnderTest, standinUnderTest, toolCount } from '../support/program.mjs';
+import { Standin } from '../support/standin.mjs';
 
 const program = programUnderTest();
 const home = new PrivateHome();
@@ -26,7 +26,7 @@ const localTools = [
 const client = new Client({ name: 'application-session-test', version: '1.0.0' });
 const transportErrors = [];
 const calls = [];
-let standIn;
+let standin;
 
 /** Calls a tool and gives the object it returned. */
 async function call(name, args = {}) {
@@ -46,7 +46,7 @@ async function failingCall(name, args = {}) {
 }
 
 before(async () => {
-  standIn = await new StandIn(home, '--record', record).listening();
+  standin = await new Standin(standinUnderTest(), home, '--record', record).listening();
   client.onerror = (error) => transportErrors.push(error);
   await client.connect(
     new StdioClientTransport({
@@ -61,7 +61,7 @@ before(async () => {
 
 after(async () => {
   await client.close();
-  await standIn.end();
+  await standin.end();
   home.remove();
 });
 
@@ -150,7 +150,11 @@ test('computer use', async () => {
 });
 
 test('arguments that no schema allows pass as they are', async () => {
-  await call('get_insights', { '': null, unknown: [[], {}, -0.5, 1e300, '\u0000', 'ä'], nested: { _agent: 'x', _origin: 1 } });
+  await call('get_insights', {
+    '': null,
+    unknown: [[], {}, -0.5, 1e300, '\u0000', 'ä'],
+    nested: { _agent: 'x', _origin: 1 },
+  });
   await call('get_insights', { _agent: 'forged', _origin: 'assistant' });
 });
 
@@ -169,8 +173,8 @@ test('every forwarded tool was called, and the application received what the age
 });
 
 test('when the application has ended, its tools say so and local ones go on', async () => {
-  assert.equal(await standIn.end(), 0);
-  assert.equal(fs.existsSync(socketPath(home)), false);
+  assert.equal(await standin.end(), 0);
+  assert.equal(fs.existsSync(home.socket), false);
   assert.equal((await failingCall('get_slate')).code, -32001);
   const result = await client.callTool({ name: 'list_augments', arguments: {} });
   assert.equal(JSON.parse(result.content[0].text).slotsTotal, 5);

@@ -6,8 +6,9 @@ import { after, test } from 'node:test';
 import { fileURLToPath } from 'node:url';
 import { promisify } from 'node:util';
 
-import { PrivateHome } from './private_home.mjs';
-import { programUnderTest, settingsAnswer, settingsFile, toolCount } from './program.mjs';
+import { PrivateHome } from '../support/private_home.mjs';
+import { programUnderTest, toolCount } from '../support/program.mjs';
+import { settingsAnswer, settingsFile } from './settings.mjs';
 
 const inspector = fileURLToPath(
   new URL('node_modules/@modelcontextprotocol/inspector/clients/launcher/build/index.js', import.meta.url),

@@ -5,8 +5,9 @@ import { after, before, test } from 'node:test';
 import { Client } from '@modelcontextprotocol/sdk/client/index.js';
 import { StdioClientTransport } from '@modelcontextprotocol/sdk/client/stdio.js';
 
-import { PrivateHome } from './private_home.mjs';
-import { programUnderTest, settingsAnswer, settingsFile, toolCount } from './program.mjs';
+import { PrivateHome } from '../support/private_home.mjs';
+import { programUnderTest, toolCount } from '../support/program.mjs';
+import { settingsAnswer, settingsFile } from './settings.mjs';
 
 const program = programUnderTest();
 const home = new PrivateHome();

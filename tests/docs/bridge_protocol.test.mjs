@@ -7,9 +7,9 @@ import path from 'node:path';
 import { text } from 'node:stream/consumers';
 import { after, test } from 'node:test';
 
-import { PrivateHome } from '../clients/private_home.mjs';
-import { programUnderTest } from '../clients/program.mjs';
-import { textOf } from './product_messages.mjs';
+import { PrivateHome } from '../support/private_home.mjs';
+import { programUnderTest } from '../support/program.mjs';
+import { textOf } from '../support/sources.mjs';
 
 const document = textOf('docs/bridge-protocol.md');
 const program = programUnderTest();
@@ -17,12 +17,12 @@ const home = new PrivateHome();
 after(() => home.remove());
 
 /** The one-line examples of this kind, in the order of the document. */
-const examples = (kind) => [...document.matchAll(new RegExp(`^\`\`\`json ${kind}\n(.*)\n\`\`\`$`, 'gm'))].map((match) => match[1]);
+const examples = (kind) =>
+  [...document.matchAll(new RegExp(`^\`\`\`json ${kind}\n(.*)\n\`\`\`$`, 'gm'))].map((match) => match[1]);
 
 /** Starts the program, sends one line, and plays the application that gives `answer` to whatever it is sent. */
 async function exchange(line, answer) {
-  const socket = path.join(home.directory, 'Library/Application Support/Orvane/mcp.sock');
-  fs.mkdirSync(path.dirname(socket), { recursive: true });
+  fs.mkdirSync(path.dirname(home.socket), { recursive: true });
   let request = '';
   const application = net.createServer({ allowHalfOpen: true }, (connection) => {
     connection.setEncoding('utf8').on('data', (bytes) => (request += bytes));
@@ -30,7 +30,7 @@ async function exchange(line, answer) {
     // A server that has read too much goes away.
     connection.on('error', () => {});
   });
-  await new Promise((resolve) => application.listen(socket, resolve));
+  await new Promise((resolve) => application.listen(home.socket, resolve));
   const server = spawn(program, ['--agent', 'editor'], {
     env: home.environment(program),
     cwd: '/',
@@ -60,7 +60,8 @@ for (const [index, response] of responses.entries()) {
   });
 }
 
-const codes = [...document.matchAll(/^\| `([a-z_]+)` \| (-\d+) \|/gm)].map(([, code, number]) => [code, Number(number)]);
+const codeRows = [...document.matchAll(/^\| `([a-z_]+)` \| (-\d+) \|/gm)];
+const codes = codeRows.map(([, code, number]) => [code, Number(number)]);
 
 test('the document has every code of the protocol', () => {
   const header = textOf('protocol/mcp_mutation.h');

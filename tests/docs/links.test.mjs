@@ -4,10 +4,13 @@ import fs from 'node:fs';
 import path from 'node:path';
 import { test } from 'node:test';
 
-import { root, textOf } from './product_messages.mjs';
+import { root, textOf } from '../support/sources.mjs';
 
 const documents = ['.', 'docs'].flatMap((directory) =>
-  fs.readdirSync(path.join(root, directory)).filter((name) => name.endsWith('.md')).map((name) => path.join(directory, name)),
+  fs
+    .readdirSync(path.join(root, directory))
+    .filter((name) => name.endsWith('.md'))
+    .map((name) => path.join(directory, name)),
 );
 
 /** The anchor that a heading gets. */

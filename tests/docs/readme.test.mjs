@@ -4,10 +4,10 @@ import { execFileSync, spawn } from 'node:child_process';
 import { text } from 'node:stream/consumers';
 import { after, test } from 'node:test';
 
-import { listingSession } from '../clients/listing_session.mjs';
-import { PrivateHome } from '../clients/private_home.mjs';
-import { programUnderTest, toolCount } from '../clients/program.mjs';
-import { textOf } from './product_messages.mjs';
+import { listingSession } from '../support/listing_session.mjs';
+import { PrivateHome } from '../support/private_home.mjs';
+import { programUnderTest, toolCount } from '../support/program.mjs';
+import { textOf } from '../support/sources.mjs';
 
 const readme = textOf('README.md');
 const program = programUnderTest();

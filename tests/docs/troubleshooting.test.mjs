@@ -2,7 +2,8 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
 
-import { folders, productMessages, sourcesOf, textOf } from './product_messages.mjs';
+import { folders, sourcesOf, textOf } from '../support/sources.mjs';
+import { productMessages } from './product_messages.mjs';
 
 const document = textOf('docs/troubleshooting.md');
 const sections = document.split(/^### /m).slice(1);

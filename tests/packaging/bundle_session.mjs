@@ -5,8 +5,8 @@ import assert from 'node:assert/strict';
 import fs from 'node:fs';
 import path from 'node:path';
 
-import { listingSession } from '../clients/listing_session.mjs';
-import { PrivateHome } from '../clients/private_home.mjs';
+import { listingSession } from '../support/listing_session.mjs';
+import { PrivateHome } from '../support/private_home.mjs';
 
 const bundle = path.resolve(process.argv[2]);
 const manifest = JSON.parse(fs.readFileSync(path.join(bundle, 'manifest.json'), 'utf8'));

@@ -1,8 +1,8 @@
-// packaging/registry/server.json, filled in as script/package-mcpb does, keeps the registry's rules; and the rules bite.
+// packaging/registry/server.json, filled in as by script/package-mcpb, keeps the registry's rules; and the rules bite.
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
 
-import { textOf } from '../docs/product_messages.mjs';
+import { textOf } from '../support/sources.mjs';
 import { violations } from './registry_rules.mjs';
 
 const manifest = JSON.parse(textOf('packaging/mcpb/manifest.json'));

@@ -1,15 +1,4 @@
-// The program under test and what its answers must be, shared by the clients' tests.
-import fs from 'node:fs';
-
-/** The path of the server program, which ctest passes on. */
-export function programUnderTest() {
-  const program = process.env.ORVANE_PROGRAM_UNDER_TEST;
-  if (!program || !fs.existsSync(program)) throw new Error('ORVANE_PROGRAM_UNDER_TEST does not name the program');
-  return program;
-}
-
-/** How many tools a server with all toolsets offers. */
-export const toolCount = 42;
+// A settings file and the answer that it has to get.
 
 /** A settings file as the application writes it, keys that the server does not know included. */
 export const settingsFile = JSON.stringify({

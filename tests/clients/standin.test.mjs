@@ -7,14 +7,16 @@ import net from 'node:net';
 import path from 'node:path';
 import { after, test } from 'node:test';
 
-import { PrivateHome } from './private_home.mjs';
-import { programUnderTest } from './program.mjs';
-import { socketPath, StandIn } from './stand_in.mjs';
+import { PrivateHome } from '../support/private_home.mjs';
+import { programUnderTest, standinUnderTest } from '../support/program.mjs';
+import { Standin } from '../support/standin.mjs';
 
 const program = programUnderTest();
 const home = new PrivateHome();
-const socket = socketPath(home);
 after(() => home.remove());
+
+/** The stand-in, started with these parameters. */
+const start = (...parameters) => new Standin(standinUnderTest(), home, ...parameters);
 
 /** The server's answers to calls of `methods`, one after another, in one process. */
 async function answers(methods) {
@@ -42,27 +44,27 @@ async function answers(methods) {
 async function withScript(script, body) {
   const file = path.join(home.scratch('script'), 'script.json');
   fs.writeFileSync(file, JSON.stringify(script));
-  const standIn = await new StandIn(home, '--script', file).listening();
+  const standin = await start('--script', file).listening();
   try {
     await body();
   } finally {
-    assert.equal(await standIn.end(), 0);
+    assert.equal(await standin.end(), 0);
   }
 }
 
 test('its socket is for its user alone, and goes when it ends', async () => {
   for (const signal of ['SIGTERM', 'SIGINT']) {
-    const standIn = await new StandIn(home).listening();
-    assert.equal(fs.statSync(socket).mode & 0o777, 0o600);
-    assert.equal(standIn.output, `orvane-standin: listening at ${socket}\n`);
-    assert.equal(await standIn.end(signal), 0);
-    assert.equal(fs.existsSync(socket), false);
+    const standin = await start().listening();
+    assert.equal(fs.statSync(home.socket).mode & 0o777, 0o600);
+    assert.equal(standin.output, `orvane-standin: listening at ${home.socket}\n`);
+    assert.equal(await standin.end(signal), 0);
+    assert.equal(fs.existsSync(home.socket), false);
   }
 });
 
 test('it refuses to start where something listens, and leaves that alone', async () => {
-  const first = await new StandIn(home).listening();
-  const second = new StandIn(home);
+  const first = await start().listening();
+  const second = start();
   assert.notEqual(await second.ended, 0);
   assert.match(second.diagnostics, /already listens/);
   assert.equal((await answers(['slate_open']))[0].result.isError, false);
@@ -70,26 +72,26 @@ test('it refuses to start where something listens, and leaves that alone', async
 });
 
 test('it takes the place of a socket that nobody listens on', async () => {
-  const standIn = await new StandIn(home).listening();
-  await standIn.end('SIGKILL');
-  assert.equal(fs.existsSync(socket), true);
+  const standin = await start().listening();
+  await standin.end('SIGKILL');
+  assert.equal(fs.existsSync(home.socket), true);
   const [stale] = await answers(['slate_open']);
   assert.equal(stale.error.code, -32001);
-  const next = await new StandIn(home).listening();
+  const next = await start().listening();
   assert.equal((await answers(['slate_open']))[0].result.isError, false);
   assert.equal(await next.end(), 0);
 });
 
 test('it outlives clients that vanish', async () => {
-  const standIn = await new StandIn(home).listening();
+  const standin = await start().listening();
   for (let i = 0; i < 50; ++i) {
-    const client = net.createConnection(socket);
+    const client = net.createConnection(home.socket);
     await once(client, 'connect');
     client.write('{"method":"get_insights"');
     client.destroy();
   }
   assert.equal((await answers(['get_insights']))[0].result.isError, false);
-  assert.equal(await standIn.end(), 0);
+  assert.equal(await standin.end(), 0);
 });
 
 test('an agent sees each misbehaviour as its own error, and the next call works', async () => {
@@ -129,7 +131,8 @@ test('every error code of the application reaches the agent as its own', async (
     internal_error: -32603,
     something_new: -32603,
   };
-  const errors = Object.keys(codes).map((code) => ({ error: { code, message: `says ${code}`, data: { code: 'x', n: 1 } } }));
+  const data = { code: 'x', n: 1 };
+  const errors = Object.keys(codes).map((code) => ({ error: { code, message: `says ${code}`, data } }));
   await withScript({ speak: errors }, async () => {
     const messages = await answers(Array(errors.length).fill('speak'));
     Object.entries(codes).forEach(([code, number], index) => {
@@ -144,10 +147,10 @@ test('a refused and an unanswered question for consent', async () => {
     ['deny', -32012],
     ['timeout', -32013],
   ]) {
-    const standIn = await new StandIn(home, '--consent', answer, '--meeting-consent', answer).listening();
+    const standin = await start('--consent', answer, '--meeting-consent', answer).listening();
     const [change, meeting] = await answers(['set_active_persona', 'list_meetings']);
     assert.equal(change.error.code, code);
     assert.equal(meeting.error.code, code);
-    assert.equal(await standIn.end(), 0);
+    assert.equal(await standin.end(), 0);
   }
 });

@@ -52,6 +52,11 @@ export class PrivateHome {
     return path.join(this.directory, '.config', 'orvane');
   }
 
+  /** Where the application listens. Its directory is there only once somebody made it. */
+  get socket() {
+    return path.join(this.directory, 'Library', 'Application Support', 'Orvane', 'mcp.sock');
+  }
+
   /** A directory outside of home and decoy, for what a test keeps of its own. Removed with the rest. */
   scratch(name) {
     const directory = path.join(this.#root, name);

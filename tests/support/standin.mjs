@@ -1,22 +1,14 @@
 // Starting and ending the stand-in application in a private home.
 import { spawn } from 'node:child_process';
 import { once } from 'node:events';
-import fs from 'node:fs';
-import path from 'node:path';
 
-/** The path of the stand-in's program, which ctest passes on. */
-export function standInProgram() {
-  const program = process.env.ORVANE_STANDIN_UNDER_TEST;
-  if (!program || !fs.existsSync(program)) throw new Error('ORVANE_STANDIN_UNDER_TEST does not name the stand-in');
-  return program;
-}
-
-export class StandIn {
+/** The stand-in as a running process. */
+export class Standin {
   output = '';
   diagnostics = '';
 
-  constructor(home, ...parameters) {
-    const program = standInProgram();
+  /** Starts `program`, the stand-in's, in `home` with these parameters. */
+  constructor(program, home, ...parameters) {
     this.process = spawn(program, parameters, { env: home.environment(program), stdio: ['ignore', 'pipe', 'pipe'] });
     this.process.stdout.on('data', (data) => (this.output += data));
     this.process.stderr.on('data', (data) => (this.diagnostics += data));
@@ -35,9 +27,4 @@ export class StandIn {
     this.process.kill(signal);
     return this.ended;
   }
-}
-
-/** Where the application's socket is in `home`. */
-export function socketPath(home) {
-  return path.join(home.directory, 'Library', 'Application Support', 'Orvane', 'mcp.sock');
 }
