@@ -14,7 +14,7 @@ class OrvaneMcp < Formula
   def install
     system "cmake", "-S", ".", "-B", "build", *std_cmake_args
     system "cmake", "--build", "build"
-    system "cmake", "--install", "build"
+    system "cmake", "--install", "build", "--component", "program"
   end
 
   test do
