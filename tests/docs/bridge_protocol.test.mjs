@@ -77,6 +77,18 @@ for (const [code, number] of codes) {
   });
 }
 
+test('the nesting of a response may be as deep as the document says', async () => {
+  const levels = Number(document.match(/nesting of a response \| (\d+) levels/)[1]);
+  const answerOf = (depth) => `{"ok":true,"result":${'['.repeat(depth - 1)}${']'.repeat(depth - 1)}}\n`;
+  const fits = await exchange(`${agentRequest}\n`, answerOf(levels));
+  assert.equal(JSON.parse(fits.response).result.isError, false);
+  const tooDeep = await exchange(`${agentRequest}\n`, answerOf(levels + 1));
+  assert.equal(
+    JSON.parse(tooDeep.response).error.message,
+    'Malformed response from Orvane: response was not a JSON object',
+  );
+});
+
 test('the limit of a response is what the document says', async () => {
   const [, limit] = document.match(/response, line feed included \| ([\d,]+) bytes/);
   const answerOf = (bytes) => {
