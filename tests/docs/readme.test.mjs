@@ -1,13 +1,15 @@
 // What README.md tells people to paste and to expect, tried with the real program.
 import assert from 'node:assert/strict';
 import { execFileSync, spawn } from 'node:child_process';
+import fs from 'node:fs';
+import path from 'node:path';
 import { text } from 'node:stream/consumers';
 import { after, test } from 'node:test';
 
 import { listingSession } from '../support/listing_session.mjs';
 import { PrivateHome } from '../support/private_home.mjs';
 import { programUnderTest, toolCount } from '../support/program.mjs';
-import { textOf } from '../support/sources.mjs';
+import { root, textOf } from '../support/sources.mjs';
 
 const readme = textOf('README.md');
 const program = programUnderTest();
@@ -56,8 +58,9 @@ for (const line of commandLines) {
 }
 
 const table = readme.slice(readme.indexOf('<!-- toolsets'), readme.indexOf('<!-- end of toolsets'));
-const rows = [...table.matchAll(/^\| (none|`[^`]*`) \| (\d+) \| ([\d,]+) \|/gm)].map(([, options, count, bytes]) => ({
-  options: options === 'none' ? [] : options.replaceAll('`', '').split(' '),
+const rows = [...table.matchAll(/^\| ([^|]+) \| (\d+) \| ([\d,]+) \|/gm)].map(([, options, count, bytes]) => ({
+  // What is no code are words for the lack of options.
+  options: options.startsWith('`') ? options.replaceAll('`', '').split(' ') : [],
   count: Number(count),
   bytes: Number(bytes.replaceAll(',', '')),
 }));
@@ -95,6 +98,26 @@ test('the tools that need no application are those that it names', async () => {
   assert.equal(answers.length - answered.length, Number(others));
   const refusals = new Set(answers.filter(({ error }) => error).map(({ error }) => error.message));
   assert.deepEqual([...refusals], [readme.match(/fail with\n`(.*?)`/)[1]]);
+});
+
+for (const document of ['README.md', 'docs/troubleshooting.md']) {
+  test(`what ${document} says to try gives what it says`, async () => {
+    const [, request, answer] = textOf(document).match(/^ *\$ echo '(.*)' \| \S*orvane-mcp\n *(.*)$/m);
+    const server = spawn(program, [], { env: home.environment(program), cwd: '/', stdio: ['pipe', 'pipe', 'inherit'] });
+    server.stdin.end(`${request}\n`);
+    assert.equal(await text(server.stdout), `${answer}\n`);
+  });
+}
+
+test('it leads to every document', () => {
+  const documents = ['.', 'docs'].flatMap((directory) =>
+    fs
+      .readdirSync(path.join(root, directory))
+      .filter((name) => /\.(md|1)$/.test(name))
+      .map((name) => path.join(directory, name)),
+  );
+  const missing = documents.filter((name) => name !== 'README.md' && !readme.includes(`](${name})`));
+  assert.deepEqual(missing, []);
 });
 
 test('nothing appeared in the decoy', () => assert.deepEqual(home.decoyEntries(), []));
