@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <new>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "audit/context_audit_log.h"
@@ -18,6 +19,8 @@
 #include "tools/local/version.h"
 
 namespace {
+
+constexpr std::string_view outOfMemory = "orvane-mcp: out of memory\n";
 
 // A host may start the process with a standard stream closed. A file or socket opened later would take its number, and
 // messages meant for the stream would land there.
@@ -32,10 +35,22 @@ void occupyStandardDescriptors() {
   }
 }
 
+// Where there is none from the start on, not even the exception could be made that says so.
+bool hasMemory() {
+  void* volatile probe = std::malloc(1);
+  const bool isThere = probe != nullptr;
+  std::free(probe);
+  return isThere;
+}
+
 }  // namespace
 
 int main(int argumentCount, char** argumentValues) try {
   occupyStandardDescriptors();
+  if (!hasMemory()) {
+    orvane::writeDiagnostic(outOfMemory);
+    return 0;
+  }
   // A file that has grown to the user's limit is a failed write like any other.
   std::signal(SIGXFSZ, SIG_IGN);
   orvane::platform::keepFreedMemory();
@@ -52,6 +67,6 @@ int main(int argumentCount, char** argumentValues) try {
   return 0;
 } catch (const std::bad_alloc&) {
   // Nothing was read yet, so nothing remains unanswered that was taken.
-  orvane::writeDiagnostic("orvane-mcp: out of memory\n");
+  orvane::writeDiagnostic(outOfMemory);
   return 0;
 }
