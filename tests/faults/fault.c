@@ -1,13 +1,16 @@
 // Preloaded into the program under test: makes chosen calls of chosen functions fail or come back short.
 //
-// FAULTS lists them, separated by commas: function:n:errno, where n counts the function's calls from 1 (0: every call)
-// and errno is a number, or function:n:short for a transfer of one byte. FAULT_REPORT names a file that is given, when
-// the process ends, one line: how often the first function named was called, and on which descriptor its fault fell
-// (-1 where none did, -2 where it has none).
+// FAULTS lists them, separated by commas: function:calls:kind. The function's calls are counted from 1 on; calls is one
+// of them (n; 0 for none, to count them), all from one on (n-), or some in a row (n-m). kind is an errno value; or
+// "short", a transfer of one byte; or "late", which holds up a call of any thread but the main one until standard input
+// has been read to its end. FAULT_REPORT names a file that is given, when the process ends, a line for each fault: how
+// often its function was called, on which descriptor it fell last (-1 where it did not, -2 where the function has
+// none), and how often it fell on the descriptors 0, 1, 2 and elsewhere.
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
+#include <limits.h>
 #include <poll.h>
 #include <pwd.h>
 #include <stdarg.h>
@@ -15,29 +18,38 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
-enum { MAX_FAULTS = 4, SHORT = -1, NONE = 0 };
+enum { MAX_FAULTS = 4, PLACES = 4, SHORT = -1, LATE = -2, NONE = 0 };
 
 struct Fault {
   char function[16];
-  long n;
-  int error;  // an errno value, or SHORT
+  long first;
+  long last;
+  int kind;  // an errno value, SHORT or LATE
   atomic_long calls;
+  atomic_int descriptor;
+  atomic_long hits[PLACES];  // on the descriptors 0, 1, 2 and elsewhere
 };
 
 static struct Fault faults[MAX_FAULTS];
 static int faultCount;
-static atomic_int hitDescriptor = -1;
 // Off until the program's own main is about to begin, and wherever a library that only the tests load is at work.
 static atomic_int ready;
 static _Thread_local int paused;
 
 void* __libc_malloc(size_t size);
+
+// The main thread needs the input to reach its end, so it is never held up.
+static void waitForEndOfInput(void) {
+  if (syscall(SYS_gettid) == getpid()) return;
+  for (int unread = 1; ioctl(0, FIONREAD, &unread) == 0 && unread > 0;) usleep(1000);
+}
 
 // What is to happen to this call: NONE, SHORT or an errno value.
 static int verdict(const char* function, int descriptor) {
@@ -47,9 +59,14 @@ static int verdict(const char* function, int descriptor) {
     struct Fault* fault = &faults[i];
     if (strcmp(fault->function, function) != 0) continue;
     const long call = atomic_fetch_add(&fault->calls, 1) + 1;
-    if (fault->n != 0 && fault->n != call) continue;
-    if (i == 0) atomic_store(&hitDescriptor, descriptor);
-    result = fault->error;
+    if (call < fault->first || call > fault->last) continue;
+    atomic_store(&fault->descriptor, descriptor);
+    atomic_fetch_add(&fault->hits[descriptor >= 0 && descriptor < PLACES - 1 ? descriptor : PLACES - 1], 1);
+    if (fault->kind != LATE) {
+      result = fault->kind;
+    } else {
+      waitForEndOfInput();
+    }
   }
   return result;
 }
@@ -109,6 +126,11 @@ int connect(int descriptor, const struct sockaddr* address, socklen_t length) {
 int socket(int domain, int type, int protocol) {
   FAIL_OR("socket", -2, -1)
   return (int)syscall(SYS_socket, domain, type, protocol);
+}
+
+int shutdown(int descriptor, int how) {
+  FAIL_OR("shutdown", descriptor, -1)
+  return (int)syscall(SYS_shutdown, descriptor, how);
 }
 
 int getsockopt(int descriptor, int level, int name, void* value, socklen_t* length) {
@@ -209,13 +231,25 @@ int getpwuid_r(uid_t uid, struct passwd* entry, char* buffer, size_t size, struc
   return result;
 }
 
+static int kindNamed(const char* name) {
+  if (strcmp(name, "short") == 0) return SHORT;
+  if (strcmp(name, "late") == 0) return LATE;
+  return atoi(name);
+}
+
 __attribute__((constructor)) static void readFaults(void) {
   const char* text = getenv("FAULTS");
-  while (text != NULL && *text != '\0' && faultCount < MAX_FAULTS) {
+  while (text != NULL && *text != '\0') {
+    if (faultCount == MAX_FAULTS) _exit(125);
     struct Fault* fault = &faults[faultCount++];
+    char calls[32] = "";
     char kind[16] = "";
-    if (sscanf(text, "%15[^:]:%ld:%15[^,]", fault->function, &fault->n, kind) != 3) _exit(125);
-    fault->error = strcmp(kind, "short") == 0 ? SHORT : atoi(kind);
+    if (sscanf(text, "%15[^:]:%31[^:]:%15[^,]", fault->function, calls, kind) != 3) _exit(125);
+    char* end = NULL;
+    fault->first = strtol(calls, &end, 10);
+    fault->last = *end == '\0' ? fault->first : end[1] == '\0' ? LONG_MAX : strtol(end + 1, NULL, 10);
+    fault->kind = kindNamed(kind);
+    atomic_store(&fault->descriptor, -1);
     text = strchr(text, ',');
     if (text != NULL) ++text;
   }
@@ -227,11 +261,16 @@ __attribute__((constructor)) static void readFaults(void) {
 __attribute__((destructor)) static void report(void) {
   atomic_store(&ready, 0);
   const char* path = getenv("FAULT_REPORT");
-  if (path == NULL || faultCount == 0) return;
-  char line[64];
-  const int length =
-      snprintf(line, sizeof line, "%ld %d\n", atomic_load(&faults[0].calls), atomic_load(&hitDescriptor));
+  if (path == NULL) return;
   const int file = (int)syscall(SYS_openat, AT_FDCWD, path, O_WRONLY | O_CREAT | O_TRUNC, 0600);
-  if (file < 0 || syscall(SYS_write, file, line, (size_t)length) != length) _exit(125);
+  for (int i = 0; i < faultCount; ++i) {
+    struct Fault* fault = &faults[i];
+    char line[128];
+    const int length =
+        snprintf(line, sizeof line, "%ld %d %ld %ld %ld %ld\n", atomic_load(&fault->calls),
+                 atomic_load(&fault->descriptor), atomic_load(&fault->hits[0]), atomic_load(&fault->hits[1]),
+                 atomic_load(&fault->hits[2]), atomic_load(&fault->hits[3]));
+    if (file < 0 || syscall(SYS_write, file, line, (size_t)length) != length) _exit(125);
+  }
   syscall(SYS_close, file);
 }

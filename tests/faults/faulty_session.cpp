@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <csignal>
@@ -117,15 +118,18 @@ bool waitFor(pid_t child, int& status) {
 
 }  // namespace
 
-FaultySession::FaultySession() : application_(home_.socketPath(), answerWith("{\"ok\":true,\"result\":{\"n\":1}}\n")) {
-  home_.write(".config/orvane/settings.json", R"({"assistantBackend":"local","dictationHotkey":{"name":"f5"}})");
-  home_.write(".config/orvane/replacements.txt", "[replacements]\nomw -> on my way\n");
-  home_.write(".config/orvane/augments/mine.md", "---\nname: Mine\n---\n");
-}
+// The line feed ends a request as well as the end of the stream does: where the program's end of it cannot be shut, an
+// application that waits for that would let both wait until the time is over.
+FaultySession::FaultySession()
+    : application_(home_.socketPath(), [](Connection& connection) {
+        while (!connection.received().ends_with('\n') && !connection.readSome(65536).empty()) {
+        }
+        connection.send("{\"ok\":true,\"result\":{\"n\":1}}\n");
+      }) {}
 
 int FaultySession::requestCount() const { return static_cast<int>(sessionLines().size()); }
 
-std::string_view FaultySession::oldPreferences() { return "- old\n"; }
+std::string_view FaultySession::oldPreferences() const { return isHomeEmpty_ ? "" : "- old\n"; }
 
 const std::vector<FaultySession::Note>& FaultySession::notes() {
   static const std::vector<Note> notes{{9, "- first\n"}, {11, "- second\n"}};
@@ -133,10 +137,8 @@ const std::vector<FaultySession::Note>& FaultySession::notes() {
 }
 
 FaultyOutcome FaultySession::run(const std::string& faults, InputKind kind) {
-  const std::string configuration = home_.path() + "/.config/orvane";
   const std::string report = home_.root() + "/report";
-  home_.write(".config/orvane/preferences.md", std::string(oldPreferences()));
-  std::filesystem::remove(configuration + "/mcp-context-reads.jsonl");
+  furnishHome();
   std::filesystem::remove(report);
 
   Launch launch;
@@ -165,16 +167,34 @@ FaultyOutcome FaultySession::run(const std::string& faults, InputKind kind) {
   outcome.errors = contentOf(errors);
   close(output);
   close(errors);
-  std::ifstream(report) >> outcome.calls >> outcome.hitDescriptor;
+  outcome.faults.resize(static_cast<std::size_t>(std::count(faults.begin(), faults.end(), ',')) + 1);
+  std::ifstream lines(report);
+  for (FaultReport& fault : outcome.faults) {
+    lines >> fault.calls >> fault.descriptor;
+    for (long& hits : fault.hits) lines >> hits;
+  }
   collectFiles(outcome);
   return outcome;
+}
+
+void FaultySession::furnishHome() const {
+  if (isHomeEmpty_) {
+    std::filesystem::remove_all(home_.path() + "/.config");
+    return;
+  }
+  home_.write(".config/orvane/settings.json", R"({"assistantBackend":"local","dictationHotkey":{"name":"f5"}})");
+  home_.write(".config/orvane/replacements.txt", "[replacements]\nomw -> on my way\n");
+  home_.write(".config/orvane/augments/mine.md", "---\nname: Mine\n---\n");
+  home_.write(".config/orvane/preferences.md", std::string(oldPreferences()));
+  std::filesystem::remove(home_.path() + "/.config/orvane/mcp-context-reads.jsonl");
 }
 
 void FaultySession::collectFiles(FaultyOutcome& outcome) const {
   const std::string configuration = home_.path() + "/.config/orvane";
   outcome.preferences = wholeFile(configuration + "/preferences.md");
   outcome.auditLog = wholeFile(configuration + "/mcp-context-reads.jsonl");
-  for (const auto& entry : std::filesystem::directory_iterator(configuration)) {
+  std::error_code none;  // the directory may be what could not be made
+  for (const auto& entry : std::filesystem::directory_iterator(configuration, none)) {
     const std::string name = entry.path().filename();
     if (name != "settings.json" && name != "replacements.txt" && name != "augments" && name != "preferences.md" &&
         name != "mcp-context-reads.jsonl") {
