@@ -171,25 +171,6 @@ TEST_F(BridgeConnectionTest, ADeepAnswerDoesNotSwell) {
   expectCleanEnd(*server);
 }
 
-TEST_F(BridgeConnectionTest, ManyFailingCallsLeaveNoDescriptorBehind) {
-  auto server = start();
-  expectError(call(server), 1, -32001, notRunning);
-  const std::size_t before = server->openDescriptorCount();
-  for (int round = 0; round < 2000; ++round) {
-    server->send(toolCall("get_insights") + "\n");
-    ASSERT_TRUE(server->readLine().has_value());
-  }
-  EXPECT_EQ(server->openDescriptorCount(), before);
-  const ScriptedApplication application(home_.socketPath(), answerWith("nonsense"));
-  for (int round = 0; round < 500; ++round) {
-    server->send(toolCall("get_insights") + "\n");
-    ASSERT_TRUE(server->readLine().has_value());
-  }
-  EXPECT_EQ(server->openDescriptorCount(), before);
-  EXPECT_EQ(application.requests().size(), 500U);
-  expectCleanEnd(*server);
-}
-
 // The listener becomes another user before it listens, which is what the peer's identity is taken from.
 TEST_F(BridgeConnectionTest, AnotherUsersListenerIsRefusedBeforeAnythingIsSent) {
   if (getuid() != 0) GTEST_SKIP() << "only root can put another user's listener in place";

@@ -13,10 +13,20 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
+#include <fstream>
 #include <iterator>
 
 #include "tests/support/child_environment.h"
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define ORVANE_SANITIZED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define ORVANE_SANITIZED 1
+#endif
+#endif
 
 namespace orvane::test {
 
@@ -258,6 +268,29 @@ int ServerProcess::pendingOutput() const {
 std::size_t ServerProcess::openDescriptorCount() const {
   const std::filesystem::directory_iterator begin("/proc/" + std::to_string(child_) + "/fd");
   return static_cast<std::size_t>(std::distance(begin, std::filesystem::directory_iterator()));
+}
+
+std::optional<std::size_t> ServerProcess::residentMemory() const {
+#ifdef ORVANE_SANITIZED
+  return std::nullopt;
+#else
+  // Counted page by page; the figures in status and statm are only brought up to date now and then.
+  std::ifstream rollup("/proc/" + std::to_string(child_) + "/smaps_rollup");
+  for (std::string word; rollup >> word;) {
+    std::size_t kibibytes = 0;
+    if (word == "Rss:" && rollup >> kibibytes) return kibibytes * 1024;
+  }
+  ADD_FAILURE() << "the program's memory cannot be told";
+  return std::nullopt;
+#endif
+}
+
+std::chrono::nanoseconds ServerProcess::processorTime() const {
+  clockid_t clock{};
+  timespec time{};
+  EXPECT_EQ(clock_getcpuclockid(child_, &clock), 0);
+  EXPECT_EQ(clock_gettime(clock, &time), 0);
+  return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
 }  // namespace orvane::test

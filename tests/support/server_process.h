@@ -71,6 +71,12 @@ class ServerProcess {
   /// tests' user database stays open.
   std::size_t openDescriptorCount() const;
 
+  /// The program's resident memory in bytes. Nothing under a sanitizer, whose own memory would be what is measured.
+  std::optional<std::size_t> residentMemory() const;
+
+  /// The processor time that the program has taken so far.
+  std::chrono::nanoseconds processorTime() const;
+
  private:
   bool takeOutput(int timeoutMilliseconds);
 
