@@ -1,5 +1,5 @@
-// What the program asks of the system during a session, from a trace of its system calls: files, sockets and processes.
-// Whatever is not in expected.txt fails the test, so the list grows only on purpose.
+// What the program asks of the system during its sessions, from a trace of its system calls: files, sockets and
+// processes. It is what expected.txt names, no more and no less, so the list changes only on purpose.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -13,6 +13,8 @@
 
 namespace orvane::test {
 namespace {
+
+const std::string callArguments = R"({"note":"one","name":"x","id":"y","text":"z"})";
 
 class PrivilegeTest : public ServerTest {
  protected:
@@ -98,32 +100,56 @@ class PrivilegeTest : public ServerTest {
   }
 };
 
-TEST_F(PrivilegeTest, TheProgramAsksForNothingElse) {
-  const ScriptedApplication application(home_.socketPath(), answerWith(R"({"ok":true,"result":{}})"));
-  home_.write(".config/orvane/settings.json", "{}");
-  home_.write(".config/orvane/replacements.txt", "[fillers]\num\n");
-  home_.write(".config/orvane/augments/mine.md", "---\n---");
-  auto server = start(traced());
-  server->request(R"({"id":1,"method":"initialize"})");
-  for (const std::string& name : toolNames(*server)) {
-    server->request(toolCall(name, R"({"note":"one","name":"x","id":"y","text":"z"})"));
-  }
-  server->request(toolCall("remember_preference", R"({"note":"two"})"));
-  server->request("nonsense");
-  expectCleanEnd(*server);
-
-  std::set<std::string> expected;
+std::set<std::string> listedEntries() {
+  std::set<std::string> result;
   std::ifstream list(ORVANE_PRIVILEGE_LIST);
   for (std::string line; std::getline(list, line);) {
-    if (!line.empty() && line.front() != '#') expected.insert(line);
+    if (!line.empty() && line.front() != '#') result.insert(line);
   }
-  const std::set<std::string> actual = entries();
-  for (const std::string& entry : actual) EXPECT_TRUE(expected.contains(entry)) << entry;
-  // The trace saw the session.
-  for (const char* entry : {"write ~/.config/orvane/mcp-context-reads.jsonl", "read ~/.config/orvane/preferences.md",
-                            "connect AF_UNIX ~/Library/Application Support/Orvane/mcp.sock"}) {
-    EXPECT_TRUE(actual.contains(entry)) << entry;
+  return result;
+}
+
+TEST_F(PrivilegeTest, TheProgramAsksForWhatIsListedAndNothingElse) {
+  std::set<std::string> actual;
+  // A first start: nothing is there yet, and the first thing to be made is the audit log.
+  {
+    auto server = start(traced());
+    server->request(R"({"id":1,"method":"initialize"})");
+    for (const std::string& name : toolNames(*server)) {
+      if (name != "remember_preference") server->request(toolCall(name, callArguments));
+    }
+    expectCleanEnd(*server);
+    actual.merge(entries());
   }
+  const std::string configuration = home_.path() + "/.config";
+  EXPECT_TRUE(std::filesystem::exists(configuration + "/orvane/mcp-context-reads.jsonl"));
+  std::filesystem::remove_all(configuration);
+  // The same, but the first thing is a note.
+  {
+    auto server = start(traced());
+    server->request(toolCall("remember_preference", callArguments));
+    expectCleanEnd(*server);
+    actual.merge(entries());
+  }
+  EXPECT_TRUE(std::filesystem::exists(configuration + "/orvane/preferences.md"));
+  // Everything is there.
+  {
+    const ScriptedApplication application(home_.socketPath(), answerWith(R"({"ok":true,"result":{}})"));
+    home_.write(".config/orvane/settings.json", "{}");
+    home_.write(".config/orvane/replacements.txt", "[fillers]\num\n");
+    home_.write(".config/orvane/augments/mine.md", "---\n---");
+    auto server = start(traced());
+    server->request(R"({"id":1,"method":"initialize"})");
+    for (const std::string& name : toolNames(*server)) server->request(toolCall(name, callArguments));
+    server->request(toolCall("remember_preference", R"({"note":"two"})"));
+    server->request("nonsense");
+    expectCleanEnd(*server);
+    actual.merge(entries());
+  }
+
+  const std::set<std::string> listed = listedEntries();
+  for (const std::string& entry : actual) EXPECT_TRUE(listed.contains(entry)) << "not listed: " << entry;
+  for (const std::string& entry : listed) EXPECT_TRUE(actual.contains(entry)) << "not asked for any more: " << entry;
 }
 
 }  // namespace
