@@ -4,6 +4,7 @@
 import { spawn } from 'node:child_process';
 import { once } from 'node:events';
 import fs from 'node:fs';
+import net from 'node:net';
 import path from 'node:path';
 import { setTimeout as pause } from 'node:timers/promises';
 
@@ -13,7 +14,7 @@ import { Standin } from '../tests/support/standin.mjs';
 const [server, standinProgram] = process.argv.slice(2, 4).map((file) => path.resolve(file));
 const total = Number(process.argv[4]);
 
-const inFlight = 64;  // requests that wait for their answers at one time
+const requestsInFlight = 64;  // requests that wait for their answers at one time
 const idleSeconds = 5;
 const limits = { memoryGrowth: 0.01, idleTicks: 0, idleSwitches: 0, exitMilliseconds: 100 };
 
@@ -99,7 +100,7 @@ class Session {
     while (this.answered < count) {
       if (this.#failure) throw this.#failure;
       let text = '';
-      while (this.sent < count && this.sent - this.answered < inFlight) {
+      while (this.sent < count && this.sent - this.answered < requestsInFlight) {
         text += `${JSON.stringify({ jsonrpc: '2.0', id: this.sent, ...mix[this.sent % mix.length] })}\n`;
         this.sent += 1;
         // Nobody answers a notification.
@@ -111,13 +112,46 @@ class Session {
   }
 }
 
+const startServer = (home) => spawn(server, [], {
+  env: { ...home.environment(server), ORV_MCP_AUDIBLE: '0' },
+  cwd: '/',
+  stdio: ['pipe', 'pipe', 'inherit'],
+});
+
+/**
+ * Ends the input of a server that waits for an application's answer, and gives the answer later. Gives whether the
+ * server waited and wrote the answer, and how long after the application's answer it ended.
+ */
+async function endDuringCall(home) {
+  const application = net.createServer({ allowHalfOpen: true });
+  fs.rmSync(home.socket, { force: true });
+  application.listen(home.socket);
+  const child = startServer(home);
+  try {
+    let output = '';
+    child.stdout.setEncoding('utf8').on('data', (text) => { output += text; });
+    child.stdin.write(`${JSON.stringify({ jsonrpc: '2.0', id: 1, ...call('get_insights') })}\n`);
+    const [connection] = await once(application, 'connection');
+    await once(connection.resume(), 'end');
+    child.stdin.end();
+    await pause(500);
+    const hasWaited = child.exitCode === null && child.signalCode === null;
+    const ended = once(child, 'close');
+    const answered = process.hrtime.bigint();
+    connection.end('{"ok":true,"result":{}}\n');
+    const [status] = await ended;
+    const milliseconds = Number(process.hrtime.bigint() - answered) / 1e6;
+    const isAnswered = hasWaited && status === 0 && output.endsWith('\n') && JSON.parse(output).result !== undefined;
+    return { isAnswered, milliseconds };
+  } finally {
+    child.kill();
+    application.close();
+  }
+}
+
 /** The session from the first request to the end of the process, with what was measured on the way. */
 async function soak(home) {
-  const child = spawn(server, [], {
-    env: { ...home.environment(server), ORV_MCP_AUDIBLE: '0' },
-    cwd: '/',
-    stdio: ['pipe', 'pipe', 'inherit'],
-  });
+  const child = startServer(home);
   try {
     return await measure(child, new Session(child));
   } finally {
@@ -170,7 +204,7 @@ function report(what, value, isGood, bound) {
   if (!isGood) failures.push(what);
 }
 
-function reportAll(seen, records) {
+function reportAll(seen, heldCall, records) {
   const { session } = seen;
   const growth = seen.memoryAfter / seen.memoryBefore - 1;
   report('requests', session.sent, true);
@@ -189,6 +223,9 @@ function reportAll(seen, records) {
   report('exit status', seen.exitStatus, seen.exitStatus === 0);
   report('end of input to end of process, ms', seen.exitMilliseconds.toFixed(1),
     seen.exitMilliseconds < limits.exitMilliseconds, 'under 100');
+  report('call under way at the end of input', heldCall.isAnswered ? 'answered' : 'lost', heldCall.isAnswered);
+  report('its answer to end of process, ms', heldCall.milliseconds.toFixed(1),
+    heldCall.milliseconds < limits.exitMilliseconds, 'under 100');
   report('audit records', records, records === expectedRecords, `${expectedRecords} expected`);
 }
 
@@ -201,8 +238,10 @@ try {
   home.write('preferences.md', '- Keep answers short.\n');
   standin = await new Standin(standinProgram, home).listening();
   const seen = await soak(home);
+  await standin.end();
+  const heldCall = await endDuringCall(home);
   const auditLog = fs.readFileSync(path.join(home.configuration, 'mcp-context-reads.jsonl'), 'utf8');
-  reportAll(seen, auditLog.split('\n').length - 1);
+  reportAll(seen, heldCall, auditLog.split('\n').length - 1);
 } finally {
   await standin?.end();
   home.remove();
