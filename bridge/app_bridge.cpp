@@ -53,7 +53,7 @@ int rpcCode(MCPMutationErrorCode code) {
     case MCPMutationErrorCode::peerNotPermitted:
       return peerNotPermitted;
     case MCPMutationErrorCode::internalError:
-      return rpc_code::internalError;
+      break;
   }
   return rpc_code::internalError;
 }

@@ -1,14 +1,21 @@
 #include "core/error_text.h"
 
 #include <cstring>
+#include <type_traits>
 
 namespace orvane {
 
 namespace {
 
 // strerror_r comes in two forms: POSIX's fills the buffer, GNU's returns the text.
-[[maybe_unused]] const char* sentence(int, const char* buffer) { return buffer; }
-[[maybe_unused]] const char* sentence(const char* text, const char*) { return text; }
+template <class Result>
+const char* sentence(Result result, const char* buffer) {
+  if constexpr (std::is_pointer_v<Result>) {
+    return result;
+  } else {
+    return buffer;
+  }
+}
 
 }  // namespace
 

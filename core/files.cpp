@@ -6,9 +6,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <exception>
 #include <memory>
-#include <new>
-#include <stdexcept>
 
 #include "core/descriptor.h"
 #include "core/descriptor_io.h"
@@ -66,9 +65,8 @@ std::variant<std::string, FileError> readWholeFile(const std::string& path) {
     const int error = readToEnd(file.get(), static_cast<std::size_t>(status.st_size), content);
     if (error != 0) return FileError{error};
     return content;
-  } catch (const std::bad_alloc&) {
-    return FileError{ENOMEM};
-  } catch (const std::length_error&) {
+  } catch (const std::exception&) {
+    // There is no memory for so much, or no string is as long.
     return FileError{ENOMEM};
   }
 }

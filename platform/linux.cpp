@@ -2,6 +2,7 @@
 #include <pthread.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "platform/platform.h"
@@ -25,7 +26,7 @@ void nameThread(const char* name) {
   // The kernel takes 15 bytes; the end of a reverse-DNS name tells more than its start.
   const std::size_t length = std::strlen(name);
   constexpr std::size_t longest = 15;
-  pthread_setname_np(pthread_self(), length > longest ? name + (length - longest) : name);
+  pthread_setname_np(pthread_self(), name + (length - std::min(length, longest)));
 }
 
 }  // namespace orvane::platform

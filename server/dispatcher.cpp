@@ -27,8 +27,8 @@ int messageDepth(const JSON& value, int level) {
 
 // Whether the first thing in `line` opens an object.
 bool startsObject(std::string_view line) {
-  const std::size_t start = line.find_first_not_of(" \t\r\n");
-  return start != std::string_view::npos && line[start] == '{';
+  line.remove_prefix(std::min(line.find_first_not_of(" \t\r\n"), line.size()));
+  return line.starts_with('{');
 }
 
 JSON::Object objectOr(std::optional<JSON> value) {

@@ -14,10 +14,13 @@ namespace {
 // As much as a pipe holds by default.
 constexpr std::size_t bufferSize = 65536;
 
+// Two names of one value on every system we know; a condition that asks for either would ask twice.
+static_assert(EAGAIN == EWOULDBLOCK);
+
 // Whether a call that failed can be made again: it was interrupted, or data has come after a wait.
 bool canRetry(int descriptor) {
   if (errno == EINTR) return true;
-  if (errno != EAGAIN && errno != EWOULDBLOCK) return false;
+  if (errno != EAGAIN) return false;
   pollfd waiting{descriptor, POLLIN, 0};
   return poll(&waiting, 1, -1) >= 0 || errno == EINTR;
 }

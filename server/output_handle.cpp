@@ -11,6 +11,9 @@ namespace orvane {
 
 namespace {
 
+// Two names of one value on every system we know; a condition that asks for either would ask twice.
+static_assert(EAGAIN == EWOULDBLOCK);
+
 // Waits until `descriptor` takes data again; false if that cannot be known.
 bool waitUntilWritable(int descriptor) {
   pollfd waiting{descriptor, POLLOUT, 0};
@@ -35,7 +38,7 @@ void OutputHandle::write(std::span<const std::string_view> pieces) {
     const ssize_t result = writev(descriptor_, &vector[first], static_cast<int>(count - first));
     if (result < 0) {
       if (errno == EINTR) continue;
-      if ((errno == EAGAIN || errno == EWOULDBLOCK) && waitUntilWritable(descriptor_)) continue;
+      if (errno == EAGAIN && waitUntilWritable(descriptor_)) continue;
       isBroken_ = hasStarted;
       return;
     }

@@ -6,12 +6,9 @@
 #include "core/json_writer.h"
 #include "core/rpc_error.h"
 #include "server/catalogue.h"
-#include "tools/all_tools.h"
 #include "tools/documentation.h"
 
 namespace orvane {
-
-namespace {
 
 JSON::Object annotationsObject(const MCPToolMetadata* metadata) {
   JSON::Object object;
@@ -27,10 +24,9 @@ JSON::Object annotationsObject(const MCPToolMetadata* metadata) {
   return object;
 }
 
-}  // namespace
-
-ToolRegistry::ToolRegistry(bool launchedByAssistant, MCPToolsetSet toolsets, bool readOnly) {
-  for (const ToolHandle& tool : allTools()) {
+ToolRegistry::ToolRegistry(bool launchedByAssistant, MCPToolsetSet toolsets, bool readOnly,
+                           std::span<const ToolHandle> candidates) {
+  for (const ToolHandle& tool : candidates) {
     const MCPToolMetadata* metadata = catalogueEntry(tool.name);
     if (metadata == nullptr) continue;
     if (readOnly && !metadata->annotations.readOnlyHint) continue;

@@ -2,20 +2,27 @@
 #pragma once
 
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include "core/json.h"
 #include "server/tool_metadata.h"
+#include "tools/all_tools.h"
 #include "tools/tool.h"
 
 namespace orvane {
 
+/// What a tools/list entry says of a tool's behaviour: the hints that are there; none where there is no metadata.
+JSON::Object annotationsObject(const MCPToolMetadata* metadata);
+
 class ToolRegistry {
  public:
-  /// The tools of the catalogue that belong to one of `toolsets`, only those that read if `readOnly`, and without
-  /// "speak" if `launchedByAssistant` (the assistant speaks for itself). Ends the process if two tools have one name.
-  ToolRegistry(bool launchedByAssistant, MCPToolsetSet toolsets, bool readOnly);
+  /// Those of `candidates` that the catalogue knows and that belong to one of `toolsets`, only those that read if
+  /// `readOnly`, and without "speak" if `launchedByAssistant` (the assistant speaks for itself). Ends the process if
+  /// two of them have one name.
+  ToolRegistry(bool launchedByAssistant, MCPToolsetSet toolsets, bool readOnly,
+               std::span<const ToolHandle> candidates = allTools());
 
   /// Runs the tool `name`. Throws RPCError -32602 if there is none, and whatever the tool throws.
   JSON call(std::string_view name, const JSON::Object& arguments) const;

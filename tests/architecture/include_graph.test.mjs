@@ -6,7 +6,7 @@ import { folders, sourcesOf, textOf } from '../support/sources.mjs';
 
 // The folders that each folder may include beside itself.
 const below = {
-  server: ['tools', 'core', 'platform'],
+  server: ['tools', 'audit', 'core', 'platform'],
   tools: ['bridge', 'audit', 'core', 'platform'],
   bridge: ['protocol', 'core', 'platform'],
   audit: ['core', 'platform'],

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <set>
 #include <string>
 #include <vector>
@@ -143,6 +144,28 @@ TEST_F(ToolRegistryTest, HintsOfTheOddOnes) {
                                                           "idempotentHint":false,"openWorldHint":true})"));
   EXPECT_EQ(hintsOf("slate_clear"), canonical(R"({"readOnlyHint":false,"destructiveHint":false,
                                                         "idempotentHint":true,"openWorldHint":false})"));
+}
+
+TEST_F(ToolRegistryTest, AHintThatIsAbsentIsNotSent) {
+  EXPECT_EQ(annotationsObject(nullptr), JSON::Object());
+  MCPToolMetadata metadata;
+  metadata.annotations.readOnlyHint = true;
+  EXPECT_EQ(annotationsObject(&metadata), (JSON::Object{{"readOnlyHint", true}}));
+  metadata.annotations.idempotentHint = false;
+  EXPECT_EQ(annotationsObject(&metadata), (JSON::Object{{"readOnlyHint", true}, {"idempotentHint", false}}));
+}
+
+TEST_F(ToolRegistryTest, AToolThatTheCatalogueDoesNotKnowIsLeftOut) {
+  std::vector<ToolHandle> tools(allTools().begin(), allTools().begin() + 2);
+  tools[0].name = "uncatalogued";
+  const ToolRegistry registry(false, everything, false, tools);
+  EXPECT_EQ(namesOf(registry), (Names{"list_dictionary"}));
+  EXPECT_THROW(registry.call("uncatalogued", {}), RPCError);
+}
+
+TEST_F(ToolRegistryTest, TwoToolsOfOneNameEndTheProcess) {
+  const std::vector<ToolHandle> tools(2, allTools().front());
+  EXPECT_EXIT(ToolRegistry(false, everything, false, tools), testing::KilledBySignal(SIGABRT), "");
 }
 
 TEST_F(ToolRegistryTest, TheKeptTextFollowsTheDocumentationDirectory) {
