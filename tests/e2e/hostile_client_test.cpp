@@ -70,7 +70,7 @@ TEST_F(HostileClientTest, AHundredThousandRequestsInOneBurst) {
 TEST_F(HostileClientTest, AClientThatSendsWhatNobodyCanUse) {
   auto server = start();
   const std::string oversize(1048577, 'x');
-  const std::string deep = R"({"id":1,"method":)" + std::string(100000, '[');
+  const std::string deep = R"({"id":1,"params":)" + std::string(100000, '[') + std::string(100000, ']') + "}";
   const auto send = [&](Attack& attack) {
     server->send(oversize + "\n\xff\n\n");
     expectError(attack.request(deep), nullptr, -32600, "Request exceeds max depth");
