@@ -67,7 +67,7 @@ std::string toolsetTable() {
   }
   table += row("`--toolsets " + names + "`", withoutComputer, false, "everything but other applications");
   table += row("`--read-only`", MCPToolsetSet::all(), true, "everything that changes nothing");
-  table += row("none", MCPToolsetSet::all(), false, "everything");
+  table += row("(no option)", MCPToolsetSet::all(), false, "everything");
   return table;
 }
 

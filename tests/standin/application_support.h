@@ -6,8 +6,8 @@
 #include "core/json_reader.h"
 #include "core/json_writer.h"
 #include "standin/application.h"
-#include "standin/refusal.h"
 #include "standin/json_access.h"
+#include "standin/refusal.h"
 #include "standin/world.h"
 
 namespace orvane::standin {

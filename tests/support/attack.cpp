@@ -27,7 +27,7 @@ Attack::Attack(ServerProcess& server, std::string name)
     : server_(server),
       name_(std::move(name)),
       descriptors_(server.openDescriptorCount()),
-      memory_(server.residentMemory()) {}
+      memory_(server.ownMemory()) {}
 
 Json Attack::request(std::string_view line) {
   Json response = server_.request(line);
@@ -38,14 +38,14 @@ Json Attack::request(std::string_view line) {
 
 void Attack::expectNothingKept() const {
   const std::size_t descriptors = server_.openDescriptorCount();
-  const std::optional<std::size_t> memory = server_.residentMemory();
+  const std::optional<std::size_t> memory = server_.ownMemory();
   EXPECT_EQ(descriptors, descriptors_);
   if (memory && memory_) {
     EXPECT_LE(*memory, *memory_ + tolerance);
   }
   const std::string figures = std::to_string(answers_) + " answers, " + std::to_string(errors_) +
                               " of them errors; descriptors " + std::to_string(descriptors_) + ", " +
-                              std::to_string(descriptors) + "; resident memory " + kibibytes(memory_) + ", " +
+                              std::to_string(descriptors) + "; memory of its own " + kibibytes(memory_) + ", " +
                               kibibytes(memory);
   std::printf("%s: %s\n", name_.c_str(), figures.c_str());
   ::testing::Test::RecordProperty(name_, figures);

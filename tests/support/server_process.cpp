@@ -270,7 +270,7 @@ std::size_t ServerProcess::openDescriptorCount() const {
   return static_cast<std::size_t>(std::distance(begin, std::filesystem::directory_iterator()));
 }
 
-std::optional<std::size_t> ServerProcess::residentMemory() const {
+std::optional<std::size_t> ServerProcess::ownMemory() const {
 #ifdef ORVANE_SANITIZED
   return std::nullopt;
 #else
@@ -278,7 +278,7 @@ std::optional<std::size_t> ServerProcess::residentMemory() const {
   std::ifstream rollup("/proc/" + std::to_string(child_) + "/smaps_rollup");
   for (std::string word; rollup >> word;) {
     std::size_t kibibytes = 0;
-    if (word == "Rss:" && rollup >> kibibytes) return kibibytes * 1024;
+    if (word == "Anonymous:" && rollup >> kibibytes) return kibibytes * 1024;
   }
   ADD_FAILURE() << "the program's memory cannot be told";
   return std::nullopt;

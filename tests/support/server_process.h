@@ -71,8 +71,9 @@ class ServerProcess {
   /// tests' user database stays open.
   std::size_t openDescriptorCount() const;
 
-  /// The program's resident memory in bytes. Nothing under a sanitizer, whose own memory would be what is measured.
-  std::optional<std::size_t> residentMemory() const;
+  /// The program's own resident memory in bytes: heap, stacks and what it has written to. Pages of files come and go
+  /// with the code that is run. Nothing under a sanitizer, whose memory would be what is measured.
+  std::optional<std::size_t> ownMemory() const;
 
   /// The processor time that the program has taken so far.
   std::chrono::nanoseconds processorTime() const;

@@ -1,4 +1,4 @@
-// How many tools there are, for the tests in C++; tests/clients/program.mjs has the same for those in JavaScript.
+// How many tools there are, for the tests in C++; tests/support/program.mjs has the same for those in JavaScript.
 #pragma once
 
 #include <cstddef>
