@@ -47,8 +47,7 @@ const switches = (pid) =>
   sum(threads(pid).map((thread) =>
     Number(/^voluntary_ctxt_switches:\s+(\d+)/m.exec(fs.readFileSync(`${thread}/status`, 'utf8'))[1])));
 
-async function run(channel) {
-  const home = new PrivateHome();
+async function slowSession(home, channel) {
   const [program, ...args] = channels[channel];
   const child = spawn(program, args, {
     env: { ...home.environment(server), ORV_MCP_AUDIBLE: '0' },
@@ -90,7 +89,6 @@ async function run(channel) {
   const ended = once(child, 'exit');
   child.stdin.end();
   const [status] = await ended;
-  home.remove();
 
   const received = seen.slice(1).map((line) => JSON.parse(line)).map(({ id, error }) => [id, error?.code]);
   const isGood =
@@ -101,6 +99,15 @@ async function run(channel) {
     `exit status ${status}; processor time ${taken.processor.toFixed(1)} ms, waits ${taken.switches}` +
     `${isGood ? '' : `: FAILED, answers ${JSON.stringify(received)}, ${early} of them early`}`);
   return isGood;
+}
+
+async function run(channel) {
+  const home = new PrivateHome();
+  try {
+    return await slowSession(home, channel);
+  } finally {
+    home.remove();
+  }
 }
 
 const outcomes = await Promise.all(Object.keys(channels).map(run));
