@@ -48,11 +48,6 @@ int readToEnd(int descriptor, std::size_t expectedSize, std::string& content) {
 
 std::string FileError::description() const { return errorText(number); }
 
-bool fileExists(const std::string& path) {
-  struct stat status {};
-  return stat(path.c_str(), &status) == 0;
-}
-
 std::variant<std::string, FileError> readWholeFile(const std::string& path) {
   const Descriptor file(retryInterrupted([&] { return open(path.c_str(), readFlags); }));
   if (!file.isOpen()) return FileError{errno};

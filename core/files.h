@@ -20,9 +20,6 @@ struct FileError {
 /// Nothing on success, else the failure.
 using FileOutcome = std::optional<FileError>;
 
-/// Whether anything stands at `path`, after following symbolic links.
-bool fileExists(const std::string& path);
-
 /// All bytes of the regular file at `path`, symbolic links followed. Anything but a regular file is an error (EISDIR
 /// for a directory, EINVAL otherwise).
 std::variant<std::string, FileError> readWholeFile(const std::string& path);

@@ -62,6 +62,8 @@ struct JSONNumber {
   bool operator==(const JSONNumber&) const = default;
 };
 
+/// A JSON value: null, a boolean, a number as written, a string (any bytes; only UTF-8 can be written out), an array or
+/// an object. The kinds are told apart by the as... functions, which give nothing for another kind.
 class JSON {
  public:
   using Array = JSONArray;

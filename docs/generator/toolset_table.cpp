@@ -2,7 +2,6 @@
 
 #include <string_view>
 
-#include "core/json_writer.h"
 #include "server/registry.h"
 
 namespace orvane::docs {

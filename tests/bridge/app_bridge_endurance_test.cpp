@@ -12,7 +12,6 @@
 #include <string>
 #include <thread>
 
-#include "core/error_text.h"
 #include "core/startup_values.h"
 #include "tests/support/bridge_call.h"
 #include "tests/support/fake_platform.h"

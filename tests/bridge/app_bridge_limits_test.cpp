@@ -16,7 +16,6 @@
 #include <string>
 #include <thread>
 
-#include "core/error_text.h"
 #include "protocol/mcp_socket_path.h"
 #include "tests/support/bridge_call.h"
 #include "tests/support/fake_platform.h"

@@ -8,6 +8,7 @@
 
 #include "core/json_writer.h"
 #include "tests/support/json_text.h"
+#include "tests/support/sizes.h"
 
 namespace orvane::test {
 namespace {
@@ -187,7 +188,6 @@ TEST(ReadJSONTest, FollowsNestingUpToTheLimitAndTellsWhatIsDeeper) {
 }
 
 TEST(ReadJSONTest, ExtremeNestingNeverExhaustsTheStack) {
-  constexpr std::size_t mebibyte = 1048576;
   EXPECT_EQ(readJSON(std::string(mebibyte, '[')).outcome, JSONReadOutcome::invalid);
   EXPECT_EQ(readJSON(nestedArrays(500000)).outcome, JSONReadOutcome::tooDeep);
   EXPECT_EQ(readJSON("{\"a\":" + nestedArrays(500000) + "}").outcome, JSONReadOutcome::tooDeep);

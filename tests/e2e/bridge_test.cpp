@@ -99,7 +99,7 @@ TEST_F(BridgeTest, TheAgentNameIsTakenAsItStands) {
   expectRequest(requestFor("{}", {"--agent"}), "{}");
 }
 
-TEST_F(BridgeTest, AnAgentNameThatIsNotUtf8CannotBeSent) {
+TEST_F(BridgeTest, AnAgentNameThatIsNotUTF8CannotBeSent) {
   const ScriptedApplication application(home_.socketPath(), answerWith("{\"ok\":true}\n"));
   auto server = start(std::vector<std::string>{"--agent", "a\xff"});
   const Json response = server->request(toolCall("get_insights"));

@@ -1,5 +1,4 @@
 // The settings snapshot, from real files in a private home.
-#include <sys/stat.h>
 
 #include "tests/support/server_test.h"
 

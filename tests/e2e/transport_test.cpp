@@ -98,7 +98,7 @@ TEST_F(TransportTest, NulIsAnOrdinaryByte) {
   expectCleanEnd(*server);
 }
 
-TEST_F(TransportTest, WhatIsNotUtf8IsDroppedSilently) {
+TEST_F(TransportTest, WhatIsNotUTF8IsDroppedSilently) {
   auto server = start();
   for (const char* bytes :
        {"\xff", "\xfe", "\x80", "\xc3", "\xed\xa0\x80", "\xed\xbf\xbf", "\xed\xa0\xbd\xed\xb8\x80", "\xc0\x80",
@@ -125,7 +125,7 @@ TEST_F(TransportTest, AnUnterminatedLastLineIsAnswered) {
   expectCleanEnd(*server);
 }
 
-TEST_F(TransportTest, AnUnterminatedLastLineThatIsNotUtf8EndsSilently) {
+TEST_F(TransportTest, AnUnterminatedLastLineThatIsNotUTF8EndsSilently) {
   auto server = start();
   server->send(ping + "\n" + ping + "\xff");
   const std::vector<std::string> rest = server->finish();

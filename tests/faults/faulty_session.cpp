@@ -95,13 +95,6 @@ std::string contentOf(int descriptor) {
   return bytes;
 }
 
-std::vector<char*> pointersTo(std::vector<std::string>& strings) {
-  std::vector<char*> pointers;
-  for (std::string& text : strings) pointers.push_back(text.data());
-  pointers.push_back(nullptr);
-  return pointers;
-}
-
 // Waits for the end of `child`; kills it when it does not come.
 bool waitFor(pid_t child, int& status) {
   const auto deadline = std::chrono::steady_clock::now() + patience;

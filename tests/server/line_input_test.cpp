@@ -12,7 +12,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
-#include <functional>
 #include <ostream>
 #include <string>
 #include <thread>
@@ -20,11 +19,10 @@
 
 #include "core/descriptor.h"
 #include "core/descriptor_io.h"
+#include "tests/support/sizes.h"
 
 namespace orvane::test {
 namespace {
-
-constexpr std::size_t mebibyte = 1048576;
 
 /// A descriptor to read lines from, and the one that its bytes are written to.
 struct Stream {

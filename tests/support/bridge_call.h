@@ -2,7 +2,6 @@
 // became of the call.
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -13,14 +12,12 @@
 #include "core/rpc_error.h"
 #include "protocol/mcp_socket_path.h"
 #include "tests/support/scripted_application.h"
+#include "tests/support/sizes.h"
 
 namespace orvane::test {
 
-inline constexpr std::size_t mebibyte = 1048576;
-
-/// A response of the application, and the outcome of a call that it answers.
+/// A response of the application; the outcome of a call that it answers is "[1]".
 inline const std::string okResponse = "{\"ok\":true,\"result\":[1]}\n";
-inline const std::string okOutcome = "[1]";
 
 /// The outcome of a call where no one listens.
 inline const std::string notRunning = "-32001 Orvane app is not running — open the app and try again. no data";

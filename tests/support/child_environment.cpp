@@ -55,4 +55,11 @@ std::vector<std::string> childEnvironment(const PrivateHome& home, const Launch&
   return environment;
 }
 
+std::vector<char*> pointersTo(std::vector<std::string>& strings) {
+  std::vector<char*> pointers;
+  for (std::string& text : strings) pointers.push_back(text.data());
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
 }  // namespace orvane::test

@@ -11,4 +11,7 @@ namespace orvane::test {
 /// The whole environment of the child, as NAME=value.
 std::vector<std::string> childEnvironment(const PrivateHome& home, const Launch& launch);
 
+/// Pointers to the texts and a null pointer, as execve takes them. Good for as long as `strings` is.
+std::vector<char*> pointersTo(std::vector<std::string>& strings);
+
 }  // namespace orvane::test

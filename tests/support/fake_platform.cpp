@@ -35,10 +35,7 @@ std::string FakeHome::configurationFile(const std::string& name) const {
 
 namespace orvane::platform {
 
-std::string homeDirectory() {
-  ++test::fakePlatform().homeLookups;
-  return test::fakePlatform().home;
-}
+std::string homeDirectory() { return test::fakePlatform().home; }
 
 std::optional<std::string> applicationSupportDirectory() { return test::fakePlatform().applicationSupport; }
 

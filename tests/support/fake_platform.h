@@ -18,7 +18,6 @@ struct FakePlatform {
   /// Keyed by domain and key.
   std::map<std::pair<std::string, std::string>, std::vector<std::string>> preferences;
   std::vector<std::string> soundsPlayed;
-  int homeLookups = 0;
   /// What peerOf answers; the real answer when absent.
   std::optional<platform::Peer> peer;
   /// Called with the connected socket before peerOf answers, if set.

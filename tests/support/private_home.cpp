@@ -53,11 +53,7 @@ void PrivateHome::checkDecoy() const {
 void PrivateHome::writeUserDatabase() const {
   const std::string uid = std::to_string(getuid());
   const std::string gid = std::to_string(getgid());
-  std::string users = "tester:x:" + uid + ":" + gid + ":Tester:" + homePath_ + ":/bin/sh\n";
-  if (getuid() != 0) {
-    // A process that uid_wrapper takes for root is to find the same home.
-    users += "root:x:0:0:Root:" + homePath_ + ":/bin/sh\n";
-  }
+  const std::string users = "tester:x:" + uid + ":" + gid + ":Tester:" + homePath_ + ":/bin/sh\n";
   writeFile(rootPath_ + "/passwd", users);
   writeFile(rootPath_ + "/group", "testers:x:" + gid + ":\n");
 }

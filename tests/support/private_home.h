@@ -32,10 +32,9 @@ class PrivateHome {
   /// The environment that makes a child see this home, as NAME=value.
   std::vector<std::string> environment() const;
 
-  /// Fails the running test if anything was created in the decoy.
-  void checkDecoy() const;
-
  private:
+  // Fails the running test if anything was created there.
+  void checkDecoy() const;
   void writeUserDatabase() const;
 
   std::string rootPath_;

@@ -11,7 +11,6 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
@@ -55,15 +54,6 @@ int openUnnamedFile() {
   const int descriptor = mkostemp(pattern.data(), O_CLOEXEC);
   unlink(pattern.c_str());
   return descriptor;
-}
-
-std::vector<char*> pointersTo(std::vector<std::string>& strings) {
-  std::vector<char*> pointers;
-  for (std::string& text : strings) {
-    pointers.push_back(text.data());
-  }
-  pointers.push_back(nullptr);
-  return pointers;
 }
 
 }  // namespace

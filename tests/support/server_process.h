@@ -5,7 +5,6 @@
 #include <sys/types.h>
 
 #include <chrono>
-#include <deque>
 #include <optional>
 #include <string>
 #include <vector>

@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <filesystem>
-#include <thread>
 
 #include "audit/context_audit_log.h"
 #include "core/error_text.h"
