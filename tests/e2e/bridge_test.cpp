@@ -73,6 +73,20 @@ TEST_F(BridgeTest, OriginKeysCannotBeForged) {
   EXPECT_EQ(both.find("\"_origin\":\"assistant\""), both.rfind("\"_origin\":\"assistant\"")) << both;
 }
 
+TEST_F(BridgeTest, LongTextsAreSpokenUncut) {
+  const ScriptedApplication application(home_.socketPath(), answerWith("{\"ok\":true}\n"));
+  auto server = start();
+  for (const std::size_t length : {3000U, 20001U}) {
+    const std::string arguments = R"({"text":")" + std::string(length - 1, 't') + "!\"}";
+    EXPECT_EQ(toolResult(server->request(toolCall("speak", arguments))), parseJson("{}"));
+    const std::vector<std::string> requests = application.requests();
+    ASSERT_FALSE(requests.empty());
+    EXPECT_TRUE(parseJson(requests.back()) == parseJson(R"({"method":"speak","args":)" + arguments + "}"))
+        << requests.back().size();
+  }
+  expectCleanEnd(*server);
+}
+
 TEST_F(BridgeTest, LocalToolsNeverConnectAndForwardedOnesAlwaysDo) {
   const ScriptedApplication application(home_.socketPath(), answerWith("{\"ok\":true}\n"));
   const std::set<std::string> local{"current_settings", "list_dictionary",  "list_augments",

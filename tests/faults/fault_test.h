@@ -13,8 +13,9 @@
 namespace orvane::test {
 
 /// Kinds of faults beside the errno values.
-inline constexpr int shortTransfer = -1;  ///< one byte instead of all
+inline constexpr int shortTransfer = -1;  ///< one byte instead of all; a file that is longer than it says
 inline constexpr int late = -2;           ///< held up until the input has ended, off the main thread
+inline constexpr int nothing = -3;        ///< no byte, or no user
 
 /// AddressSanitizer has an allocator of its own in malloc's place.
 #ifdef __SANITIZE_ADDRESS__
@@ -34,7 +35,8 @@ struct Fault {
 std::string textOf(const std::vector<Fault>& faults);
 
 /// Whether a fault of this kind is no failure where the system knows such calls: a signal, a transfer of less than was
-/// asked for, a look ahead that is refused, an end of the stream that cannot be shown.
+/// asked for, a look ahead that is refused, an end of the stream that cannot be shown, a time limit that cannot be set,
+/// a name that is taken, a buffer that is too small.
 bool isHarmless(const std::string& function, int kind);
 
 /// The lines of `text`, each of which ends with a line feed; what does not fails the test.

@@ -42,6 +42,20 @@ TEST_F(FaultTest, RecordsAreWrittenWhereThereIsNeverAThread) {
   checkUnchanged(outcome);
 }
 
+// A name for the new file is tried for sixteen times; then the notes stay what they were.
+TEST_F(FaultTest, WhereEveryNameIsTakenTheNotesStay) {
+  const FaultyOutcome outcome = check({{"create", "1-", EEXIST}});
+  EXPECT_EQ(outcome.faults.front().calls, 2 * 16) << "for two notes";
+  EXPECT_EQ(outcome.preferences, session_.oldPreferences());
+}
+
+// A file that takes nothing and reports no error would otherwise be tried for ever.
+TEST_F(FaultTest, AWriteThatTakesNothingIsAFailure) {
+  const FaultyOutcome outcome = check({{"write", "1-", nothing}});
+  EXPECT_EQ(outcome.preferences, session_.oldPreferences());
+  EXPECT_EQ(outcome.auditLog, "");
+}
+
 TEST_F(FaultTest, AFirstStartThatCannotMakeItsDirectoryAnswersAllTheSame) {
   session_.emptyHome();
   const long calls = session_.run("mkdir:0:0").faults.front().calls;
@@ -61,10 +75,11 @@ TEST_F(FaultTest, AFirstStartThatCannotMakeItsDirectoryAnswersAllTheSame) {
 TEST_F(FaultTest, PairsDrawnByLotCostNoMoreThanTheyMust) {
   constexpr int runs = 300;
   std::vector<std::string> functions{
-      "read", "tee",   "recv",  "pread", "writev", "write",  "send",   "connect", "socket", "getsockopt",    "shutdown",
-      "open", "close", "fstat", "stat",  "fsync",  "rename", "fchmod", "pipe2",   "poll",   "pthread_create"};
+      "read",       "tee",        "recv",     "pread",   "writev",   "write",      "send", "connect",       "socket",
+      "setsockopt", "getsockopt", "shutdown", "open",    "close",    "fstat",      "stat", "fsync",         "rename",
+      "fchmod",     "pipe2",      "lseek",    "readdir", "readlink", "getentropy", "poll", "pthread_create"};
   if (canFailMalloc) functions.emplace_back("malloc");
-  const std::vector<int> kinds{EINTR, EAGAIN, EIO, ENOSPC, ECONNRESET, shortTransfer};
+  const std::vector<int> kinds{EINTR, EAGAIN, EIO, ENOSPC, ECONNRESET, shortTransfer, nothing};
   const std::vector<InputKind> inputs{InputKind::pipe, InputKind::socket, InputKind::file};
   std::mt19937 lot(20261121);
   const auto draw = [&](std::size_t count) { return static_cast<std::size_t>(lot()) % count; };

@@ -7,6 +7,7 @@
 #include <regex>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "tests/support/scripted_application.h"
 #include "tests/support/server_test.h"
@@ -150,6 +151,28 @@ TEST_F(PrivilegeTest, TheProgramAsksForWhatIsListedAndNothingElse) {
   const std::set<std::string> listed = listedEntries();
   for (const std::string& entry : actual) EXPECT_TRUE(listed.contains(entry)) << "not listed: " << entry;
   for (const std::string& entry : listed) EXPECT_TRUE(actual.contains(entry)) << "not asked for any more: " << entry;
+}
+
+// Before a byte goes out, its time is limited and the peer is known.
+TEST_F(PrivilegeTest, ACallTakesItsStepsInThisOrder) {
+  const ScriptedApplication application(home_.socketPath(), answerWith(R"({"ok":true})"));
+  auto server = start(traced());
+  toolResult(server->request(toolCall("get_insights")));
+  expectCleanEnd(*server);
+  static const std::regex step(R"(^[0-9]+ +(socket|setsockopt|connect|getsockopt|sendto|shutdown)\((.*))");
+  std::vector<std::string> steps;
+  std::string options;
+  std::ifstream trace(traceFile());
+  std::smatch found;
+  for (std::string line; std::getline(trace, line);) {
+    if (!std::regex_match(line, found, step)) continue;
+    steps.push_back(found[1]);
+    if (found[1] == "setsockopt") options += found[2].str() + "\n";
+  }
+  EXPECT_EQ(steps, (std::vector<std::string>{"socket", "setsockopt", "setsockopt", "connect", "getsockopt", "sendto",
+                                             "shutdown"}));
+  EXPECT_NE(options.find("SO_RCVTIMEO"), std::string::npos) << options;
+  EXPECT_NE(options.find("SO_SNDTIMEO"), std::string::npos) << options;
 }
 
 }  // namespace
