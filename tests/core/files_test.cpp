@@ -114,6 +114,28 @@ TEST_F(FilesTest, MakesDirectories) {
   EXPECT_TRUE(fs::is_directory(home_.file("a/x")));
 }
 
+TEST_F(FilesTest, RelativePathsAreMeantFromTheWorkingDirectory) {
+  const fs::path before = fs::current_path();
+  fs::current_path(home_.path());
+  EXPECT_EQ(errorOf(createDirectories("d")), 0);
+  EXPECT_EQ(errorOf(createDirectories("e/f")), 0);
+  EXPECT_EQ(errorOf(replaceFile("new", "x")), 0);
+  EXPECT_EQ(errorOf(replaceFile("new", "y")), 0);
+  fs::create_symlink("new", "link");
+  EXPECT_EQ(errorOf(replaceFile("link", "z")), 0);
+  fs::current_path(before);
+  EXPECT_EQ(entries(home_.path()), (std::vector<std::string>{"d", "e", "link", "new"}));
+  EXPECT_EQ(entries(home_.file("e")), std::vector<std::string>{"f"});
+  EXPECT_EQ(readFile(home_.file("new")), "z");
+}
+
+TEST_F(FilesTest, ANameThatNoFileSystemTakesIsAnError) {
+  const std::string path = home_.file(std::string(5000, 'x'));
+  EXPECT_EQ(errorOf(readWholeFile(path)), ENAMETOOLONG);
+  EXPECT_EQ(errorOf(createDirectories(path)), ENAMETOOLONG);
+  EXPECT_EQ(errorOf(replaceFile(path, "x")), ENAMETOOLONG);
+}
+
 TEST_F(FilesTest, AFileInTheWayOfADirectoryIsAnError) {
   writeFile(home_.file("f"), "");
   EXPECT_EQ(errorOf(createDirectories(home_.file("f"))), EEXIST);

@@ -45,6 +45,16 @@ TEST(JSONTest, EveryKindIsRecognisedAndNoOther) {
   }
 }
 
+TEST(JSONTest, CopiesAreEqualAndTheirOwn) {
+  const JSON::Object original{{"a", 1}, {"b", JSON::Array{true, JSON::Object{{"c", "d"}}}}};
+  JSON::Object copy{{"old", nullptr}};
+  copy = original;
+  EXPECT_EQ(copy, original);
+  copy.set("a", 2);
+  EXPECT_EQ(*original.find("a"), JSON(1));
+  EXPECT_EQ(*copy.find("a"), JSON(2));
+}
+
 TEST(JSONTest, IntegersOfEveryTypeAreKeptExactly) {
   EXPECT_EQ(JSON(-32700).asNumber()->text, "-32700");
   EXPECT_EQ(JSON(std::numeric_limits<std::int64_t>::min()).asNumber()->text, "-9223372036854775808");

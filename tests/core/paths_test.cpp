@@ -10,6 +10,7 @@ TEST(PathsTest, JoinPutsOneSlashBetween) {
   EXPECT_EQ(joinPath("/a/", "b"), "/a/b");
   EXPECT_EQ(joinPath("/", "b"), "/b");
   EXPECT_EQ(joinPath("/a", "b/c/"), "/a/b/c/");
+  EXPECT_EQ(joinPath("", "b"), "/b");
 }
 
 TEST(PathsTest, ParentDropsTheLastComponent) {

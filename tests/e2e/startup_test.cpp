@@ -1,6 +1,8 @@
 // How the command line and the environment are read, seen through tools/list.
 #include <gmock/gmock.h>
 
+#include <filesystem>
+
 #include "tests/support/server_test.h"
 #include "tests/support/tool_count.h"
 
@@ -33,6 +35,23 @@ class StartupTest : public ServerTest {
 
 TEST_F(StartupTest, ClosedInputEndsSilently) {
   auto server = start();
+  expectCleanEnd(*server);
+}
+
+// What the program opens must not take the place of a stream that is closed.
+TEST_F(StartupTest, AClosedStreamIsFilledBeforeAnythingIsOpened) {
+  Launch launch;
+  launch.program = "/bin/sh";
+  launch.arguments = {"-c", "exec \"$0\" 2>&-", ORVANE_MCP_PROGRAM};
+  auto server = start(launch);
+  expectPong(*server);
+  EXPECT_EQ(std::filesystem::read_symlink("/proc/" + std::to_string(server->id()) + "/fd/2"), "/dev/null");
+  server->send("\xff\n");  // a diagnostic that nobody hears
+  expectPong(*server);
+  expectCleanEnd(*server);
+
+  launch.arguments = {"-c", "exec \"$0\" 0<&- 2>&-", ORVANE_MCP_PROGRAM};
+  server = start(launch);
   expectCleanEnd(*server);
 }
 

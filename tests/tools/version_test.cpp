@@ -90,6 +90,18 @@ TEST_F(FindVersionTest, RelativePathsAreMeantFromTheWorkingDirectory) {
   std::filesystem::current_path(before);
 }
 
+TEST_F(FindVersionTest, ALostWorkingDirectoryCountsAsTheRoot) {
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::create_directory(home_.file("lost"));
+  std::filesystem::current_path(home_.file("lost"));
+  std::filesystem::remove(home_.file("lost"));
+  writeFile(home_.file("here/VERSION"), "2.4.1");
+  // What follows the root is the way into the test's home.
+  EXPECT_EQ(findVersion(home_.file("here/program").substr(1)), "2.4.1");
+  EXPECT_EQ(findVersion(""), unknown);
+  std::filesystem::current_path(before);
+}
+
 TEST_F(FindVersionTest, OddPathsNeverFail) {
   for (const std::string& path : {std::string("/"), std::string("/program"), std::string("//"), std::string("/a/b"),
                                   std::string("/\xFF/x"), "/" + std::string(5000, 'x')}) {
