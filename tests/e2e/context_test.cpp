@@ -8,6 +8,7 @@
 
 #include "tests/support/file_content.h"
 #include "tests/support/server_test.h"
+#include "tests/support/sizes.h"
 
 namespace orvane::test {
 namespace {
@@ -138,12 +139,13 @@ TEST_F(ContextTest, ALogThatTakesNoDataIsAFailedWrite) {
 }
 
 // A file that has reached the user's limit is a failed write; the signal that the system sends with it ends nothing.
+// The limit leaves room for what a build that measures coverage records at its end.
 TEST_F(ContextTest, ALogAtTheLimitOfFileSizesIsAFailedWrite) {
   home_.write(preferencesFile, "- note\n");
-  home_.write(logFile, std::string(4096, '\n'));
+  home_.write(logFile, std::string(4 * mebibyte, '\n'));
   Launch launch;
   launch.program = "/bin/sh";
-  launch.arguments = {"-c", "ulimit -f 1; exec \"$0\"", ORVANE_MCP_PROGRAM};
+  launch.arguments = {"-c", "ulimit -f 2048; exec \"$0\"", ORVANE_MCP_PROGRAM};
   auto server = start(launch);
   EXPECT_EQ(toolResult(server->request(toolCall("read_preferences"))),
             parseJson(R"({"content":"- note\n","char_count":7})"));
