@@ -1,5 +1,5 @@
 // orvane-standin: a stand-in for the desktop application, for demos, tests and benchmarks. It is not the application:
-// it hears nothing, says nothing, shows nothing and touches no other application. It only answers the server's 36
+// it hears nothing, says nothing, shows nothing and touches no other application. It only answers the server's
 // forwarded methods from made-up data, at the application's own socket.
 #include <csignal>
 #include <cstdio>

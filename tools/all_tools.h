@@ -1,4 +1,4 @@
-// The 42 tools, in registration order. Nothing else knows them all.
+// The tools, in registration order. Nothing else knows them all.
 #pragma once
 
 #include <span>

@@ -9,7 +9,7 @@ import { Client } from '@modelcontextprotocol/sdk/client/index.js';
 import { StdioClientTransport } from '@modelcontextprotocol/sdk/client/stdio.js';
 
 import { PrivateHome } from '../support/private_home.mjs';
-import { programUnderTest, standinUnderTest, toolCount } from '../support/program.mjs';
+import { programUnderTest, standinUnderTest, toolNames } from '../support/program.mjs';
 import { Standin } from '../support/standin.mjs';
 
 const program = programUnderTest();
@@ -159,11 +159,8 @@ test('arguments that no schema allows pass as they are', async () => {
 });
 
 test('every forwarded tool was called, and the application received what the agent sent', async () => {
-  const { tools } = await client.listTools();
-  assert.equal(tools.length, toolCount);
-  const forwarded = tools.map((tool) => tool.name).filter((name) => !localTools.includes(name));
+  const forwarded = toolNames.filter((name) => !localTools.includes(name));
   assert.deepEqual(new Set(calls.map((each) => each.method)), new Set(forwarded));
-  assert.equal(forwarded.length, 36);
 
   const expected = calls.map(({ method, args }) => {
     const { _origin, ...passed } = args;

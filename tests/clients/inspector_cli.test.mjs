@@ -7,7 +7,7 @@ import { fileURLToPath } from 'node:url';
 import { promisify } from 'node:util';
 
 import { PrivateHome } from '../support/private_home.mjs';
-import { programUnderTest, toolCount } from '../support/program.mjs';
+import { programUnderTest, toolNames } from '../support/program.mjs';
 import { settingsAnswer, settingsFile } from './settings.mjs';
 
 const inspector = fileURLToPath(
@@ -36,7 +36,7 @@ async function inspect(...parameters) {
 
 test('tools/list passes the strict lint', async () => {
   const { answer, diagnostics } = await inspect('--method', 'tools/list', '--strict');
-  assert.equal(answer.tools.length, toolCount);
+  assert.deepEqual(answer.tools.map((tool) => tool.name), toolNames);
   assert.equal(diagnostics, '');
 });
 

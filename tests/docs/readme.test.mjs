@@ -8,7 +8,7 @@ import { after, test } from 'node:test';
 
 import { listingSession } from '../support/listing_session.mjs';
 import { PrivateHome } from '../support/private_home.mjs';
-import { programUnderTest, toolCount } from '../support/program.mjs';
+import { programUnderTest, toolNames } from '../support/program.mjs';
 import { root, textOf } from '../support/sources.mjs';
 
 const readme = textOf('README.md');
@@ -43,7 +43,7 @@ for (const [name, server] of configurations.flatMap(Object.entries)) {
     const { names } = await session(program, server.args ?? [], server.env);
     const narrows = ['--toolsets', '--read-only'].some((option) => server.args?.includes(option));
     assert.ok(names.length > 0);
-    assert.equal(names.length < toolCount, narrows);
+    assert.equal(names.length < toolNames.length, narrows);
   });
 }
 
@@ -53,7 +53,7 @@ for (const line of commandLines) {
     const words = execFileSync('/bin/sh', ['-c', `printf '%s\\n' ${line}`], { encoding: 'utf8' }).trimEnd().split('\n');
     assert.equal(words[0], placeholder);
     const { names } = await session(program, words.slice(1));
-    assert.ok(names.length > 0 && names.length < toolCount);
+    assert.ok(names.length > 0 && names.length < toolNames.length);
   });
 }
 
@@ -77,14 +77,16 @@ for (const { options, count, bytes } of rows) {
   });
 }
 
-test('the tools beyond the first 40 are those that it names', async () => {
+test('the tools that it names are beyond the first 40', async () => {
   const { names } = await session(program, []);
   const sentence = readme.match(/only the first 40 tools\.(.*?)would be missing/s)[1];
-  assert.deepEqual([...sentence.matchAll(/`([a-z_]+)`/g)].map((match) => match[1]), names.slice(40));
+  const named = [...sentence.matchAll(/`([a-z_]+)`/g)].map((match) => match[1]);
+  assert.ok(named.length > 0);
+  assert.deepEqual(named.filter((name) => !names.slice(40).includes(name)), []);
 });
 
 test('the tools that need no application are those that it names', async () => {
-  const [, sentence, others] = readme.match(/tools that answer from files work:(.*?)The other (\d+)/s);
+  const [, sentence] = readme.match(/tools that answer from files work:(.*?)The others/s);
   const local = [...sentence.matchAll(/`([a-z_]+)`/g)].map((match) => match[1]);
   const { names } = await session(program, []);
   const server = spawn(program, [], { env: home.environment(program), cwd: '/', stdio: ['pipe', 'pipe', 'inherit'] });
@@ -95,7 +97,6 @@ test('the tools that need no application are those that it names', async () => {
   const answers = (await text(server.stdout)).trimEnd().split('\n').map((line) => JSON.parse(line));
   const answered = answers.filter(({ result }) => result).map(({ id }) => id);
   assert.deepEqual(answered.sort(), local.sort());
-  assert.equal(answers.length - answered.length, Number(others));
   const refusals = new Set(answers.filter(({ error }) => error).map(({ error }) => error.message));
   assert.deepEqual([...refusals], [readme.match(/fail with\n`(.*?)`/)[1]]);
 });

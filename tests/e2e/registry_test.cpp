@@ -1,99 +1,23 @@
-// What tools/list offers for each choice of toolsets and modes, against a table written out by hand.
-#include <algorithm>
+// What tools/list offers for each choice of toolsets and modes, against what was decided.
+#include <map>
 #include <set>
-#include <sstream>
 
+#include "tests/support/decided_tools.h"
 #include "tests/support/server_test.h"
 
 namespace orvane::test {
 namespace {
 
-struct Row {
-  const char* name;
-  const char* toolsets;
-  const char* hints;  // readOnly, destructive, idempotent, openWorld: t or f
-};
-
-const std::vector<Row> table = {
-    {"activate_augment", "augments", "fftf"},
-    {"computer_click", "computer", "ftft"},
-    {"computer_deliver_text", "computer", "ftft"},
-    {"computer_get_screenshot", "computer", "ftft"},
-    {"computer_inspect", "computer", "ftft"},
-    {"computer_list_apps", "computer", "ftft"},
-    {"computer_open", "computer", "ftft"},
-    {"computer_press_key", "computer", "ftft"},
-    {"computer_read", "computer", "ftft"},
-    {"computer_scroll", "computer", "ftft"},
-    {"computer_select", "computer", "ftft"},
-    {"current_settings", "state", "tftf"},
-    {"deactivate_augment", "augments", "fftf"},
-    {"get_insights", "state", "tftf"},
-    {"get_meeting", "meetings", "tftf"},
-    {"get_meeting_notes", "meetings", "tftf"},
-    {"get_meeting_transcript", "meetings", "tftf"},
-    {"get_slate", "state slate", "tftf"},
-    {"list_augments", "state augments", "tftf"},
-    {"list_dictionary", "state", "tftf"},
-    {"list_input_devices", "state", "tftf"},
-    {"list_meetings", "meetings", "tftf"},
-    {"list_personas", "state augments", "tftf"},
-    {"list_tts_voices", "state voice", "tftf"},
-    {"orvane_version", "state", "tftf"},
-    {"read_open_file", "state", "tftf"},
-    {"read_preferences", "state", "tftf"},
-    {"remember_preference", "settings", "fftf"},
-    {"search_meetings", "meetings", "tftf"},
-    {"set_active_persona", "settings augments", "fftf"},
-    {"set_assistant_backend", "settings", "fftf"},
-    {"set_assistant_trigger_word", "settings", "fftf"},
-    {"set_input_device", "settings", "fftf"},
-    {"set_selection_edit_enabled", "settings", "fftf"},
-    {"slate_clear", "slate", "fftf"},
-    {"slate_close", "slate", "fftf"},
-    {"slate_open", "slate", "fftf"},
-    {"slate_remove_frontmatter", "slate", "fftf"},
-    {"slate_save", "slate", "fftf"},
-    {"slate_set_frontmatter", "slate", "fftf"},
-    {"slate_set_routing", "slate", "fftf"},
-    {"speak", "voice", "ffff"},
-};
-
-const std::vector<std::string> allToolsets = {"state", "settings", "voice",   "meetings",
-                                              "slate", "computer", "augments"};
-
-bool belongs(const Row& row, const std::set<std::string>& selected) {
-  std::istringstream words(row.toolsets);
-  std::string word;
-  while (words >> word) {
-    if (selected.count(word) != 0) {
-      return true;
-    }
-  }
-  return false;
-}
-
-std::vector<std::string> expectedNames(const std::set<std::string>& selected, bool readOnly, bool assistant) {
-  std::vector<std::string> names;
-  for (const Row& row : table) {
-    const bool speaks = std::string(row.name) == "speak";
-    if (belongs(row, selected) && (!readOnly || row.hints[0] == 't') && (!assistant || !speaks)) {
-      names.emplace_back(row.name);
-    }
-  }
-  return names;
-}
-
 class RegistryTest : public ServerTest {};
 
 TEST_F(RegistryTest, EveryCombinationOfToolsetsAndModes) {
   for (unsigned chosen = 1; chosen < 128; ++chosen) {
-    std::set<std::string> selected;
+    std::vector<std::string> selected;
     std::string list;
-    for (unsigned index = 0; index < allToolsets.size(); ++index) {
+    for (unsigned index = 0; index < decidedToolsets().size(); ++index) {
       if ((chosen >> index & 1U) != 0) {
-        selected.insert(allToolsets[index]);
-        list += (list.empty() ? "" : ",") + allToolsets[index];
+        selected.push_back(decidedToolsets()[index]);
+        list += (list.empty() ? "" : ",") + selected.back();
       }
     }
     // Each selection meets each mode often enough without starting the program 508 times.
@@ -111,7 +35,7 @@ TEST_F(RegistryTest, EveryCombinationOfToolsetsAndModes) {
         environment.emplace_back("ORVANE_ASSISTANT_ORIGIN=1");
       }
       auto server = start(arguments, environment);
-      EXPECT_EQ(toolNames(*server), expectedNames(selected, (mode & 1U) != 0, (mode & 2U) != 0)) << list << " " << mode;
+      EXPECT_EQ(toolNames(*server), decidedNames(selected, (mode & 1U) != 0, (mode & 2U) != 0)) << list << " " << mode;
       expectCleanEnd(*server);
     }
   }
@@ -129,17 +53,19 @@ TEST_F(RegistryTest, EntriesAreCompleteAndOrdered) {
   const Json response = server->request(R"({"id":1,"method":"tools/list","params":{"cursor":"x"}})");
   EXPECT_EQ(response.at("result").as_object().size(), 1U);
   const auto& entries = response.at("result").at("tools").as_array();
-  ASSERT_EQ(entries.size(), table.size());
-  for (std::size_t index = 0; index < table.size(); ++index) {
-    const auto& entry = entries[index].as_object();
-    const Row& row = table[index];
-    SCOPED_TRACE(row.name);
+  std::map<std::string, DecidedTool> byName;
+  for (const DecidedTool& tool : decidedTools()) byName.emplace(tool.name, tool);
+  ASSERT_EQ(entries.size(), byName.size());
+  auto next = entries.begin();
+  for (const auto& [name, tool] : byName) {
+    const auto& entry = (next++)->as_object();
+    SCOPED_TRACE(name);
     EXPECT_EQ(entry.size(), 4U);
-    EXPECT_EQ(entry.at("name"), Json(row.name));
-    EXPECT_EQ(entry.at("annotations"), Json(boost::json::object{{"readOnlyHint", row.hints[0] == 't'},
-                                                                {"destructiveHint", row.hints[1] == 't'},
-                                                                {"idempotentHint", row.hints[2] == 't'},
-                                                                {"openWorldHint", row.hints[3] == 't'}}));
+    EXPECT_EQ(entry.at("name"), Json(name));
+    EXPECT_EQ(entry.at("annotations"), Json(boost::json::object{{"readOnlyHint", tool.hints[0] == 't'},
+                                                                {"destructiveHint", tool.hints[1] == 't'},
+                                                                {"idempotentHint", tool.hints[2] == 't'},
+                                                                {"openWorldHint", tool.hints[3] == 't'}}));
     const auto& schema = entry.at("inputSchema").as_object();
     EXPECT_EQ(schema.at("type"), Json("object"));
     EXPECT_EQ(schema.at("additionalProperties"), Json(false));
@@ -149,7 +75,7 @@ TEST_F(RegistryTest, EntriesAreCompleteAndOrdered) {
   expectCleanEnd(*server);
 }
 
-TEST_F(RegistryTest, TheConfigurationNoticeIsOnFourTools) {
+TEST_F(RegistryTest, TheConfigurationNoticeIsOnTheToolsDecided) {
   const std::string notice =
       "\n\nIMPORTANT: Do NOT edit ~/.config/orvane/settings.json, replacements.txt, augment files, or any Orvane "
       "configuration file directly \u2014 direct edits race with the running app and corrupt state. To change "
@@ -161,7 +87,10 @@ TEST_F(RegistryTest, TheConfigurationNoticeIsOnFourTools) {
       "what "
       "each setting does, gotchas), the index lives at: " +
       home_.path() + "/Library/Application Support/Orvane/docs/INDEX.md";
-  const std::set<std::string> bearers{"current_settings", "list_augments", "list_dictionary", "orvane_version"};
+  std::set<std::string> bearers;
+  for (const DecidedTool& tool : decidedTools()) {
+    if (tool.marks.contains("notice")) bearers.insert(tool.name);
+  }
   auto server = start();
   const Json response = server->request(R"({"id":1,"method":"tools/list"})");
   for (const Json& entry : response.at("result").at("tools").as_array()) {
@@ -179,9 +108,9 @@ TEST_F(RegistryTest, TheConfigurationNoticeIsOnFourTools) {
 
 TEST_F(RegistryTest, AFilteredToolIsUnknown) {
   auto server = start({"--toolsets", "voice"}, {"ORVANE_ASSISTANT_ORIGIN=1"});
-  for (const Row& row : table) {
-    if (std::string(row.name) != "list_tts_voices") {
-      expectError(server->request(toolCall(row.name)), 1, -32602, std::string("Unknown tool: ") + row.name);
+  for (const DecidedTool& tool : decidedTools()) {
+    if (tool.name != "list_tts_voices") {
+      expectError(server->request(toolCall(tool.name)), 1, -32602, "Unknown tool: " + tool.name);
     }
   }
   expectCleanEnd(*server);

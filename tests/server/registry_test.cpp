@@ -4,15 +4,14 @@
 
 #include <algorithm>
 #include <csignal>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "core/json_writer.h"
 #include "core/rpc_error.h"
+#include "tests/support/decided_tools.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/json_text.h"
-#include "tests/support/tool_count.h"
 #include "tools/all_tools.h"
 
 namespace orvane::test {
@@ -39,35 +38,23 @@ class ToolRegistryTest : public testing::Test {
 };
 
 TEST_F(ToolRegistryTest, ByDefaultAllAreListedInAscendingOrder) {
-  const Names names = namesFor(false, everything, false);
-  EXPECT_EQ(names.size(), toolCount);
-  EXPECT_TRUE(std::is_sorted(names.begin(), names.end()));
-  EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(), toolCount);
+  EXPECT_EQ(namesFor(false, everything, false), decidedNames());
 }
 
-TEST_F(ToolRegistryTest, ReadOnlyLeavesTheSixteenThatRead) {
-  EXPECT_EQ(
-      namesFor(false, everything, true),
-      (Names{"current_settings", "get_insights", "get_meeting", "get_meeting_notes", "get_meeting_transcript",
-             "get_slate", "list_augments", "list_dictionary", "list_input_devices", "list_meetings", "list_personas",
-             "list_tts_voices", "orvane_version", "read_open_file", "read_preferences", "search_meetings"}));
+TEST_F(ToolRegistryTest, ReadOnlyLeavesThoseThatRead) {
+  EXPECT_EQ(namesFor(false, everything, true), decidedNames(decidedToolsets(), true));
 }
 
 TEST_F(ToolRegistryTest, OneSharedToolsetIsEnough) {
-  EXPECT_EQ(namesFor(false, {voice}, false), (Names{"list_tts_voices", "speak"}));
-  EXPECT_EQ(namesFor(false, {augments}, false),
-            (Names{"activate_augment", "deactivate_augment", "list_augments", "list_personas", "set_active_persona"}));
-  EXPECT_EQ(namesFor(false, {slate}, true), (Names{"get_slate"}));
-  EXPECT_EQ(namesFor(false, {meetings}, false),
-            (Names{"get_meeting", "get_meeting_notes", "get_meeting_transcript", "list_meetings", "search_meetings"}));
-  EXPECT_EQ(namesFor(false, {settings, augments}, true), (Names{"list_augments", "list_personas"}));
+  for (const MCPToolset toolset : allToolsets) {
+    EXPECT_EQ(namesFor(false, {toolset}, false), decidedNames({std::string(rawValue(toolset))})) << rawValue(toolset);
+  }
+  EXPECT_EQ(namesFor(false, {settings, augments}, true), decidedNames({"settings", "augments"}, true));
 }
 
 TEST_F(ToolRegistryTest, TheAssistantIsNotOfferedSpeech) {
-  EXPECT_EQ(namesFor(true, {voice}, false), (Names{"list_tts_voices"}));
-  const Names names = namesFor(true, everything, false);
-  EXPECT_EQ(names.size(), toolCount - 1);
-  EXPECT_EQ(std::count(names.begin(), names.end(), "speak"), 0);
+  EXPECT_EQ(namesFor(true, {voice}, false), decidedNames({"voice"}, false, true));
+  EXPECT_EQ(namesFor(true, everything, false), decidedNames(decidedToolsets(), false, true));
 }
 
 TEST_F(ToolRegistryTest, AnEmptyRegistryIsValid) {
@@ -183,48 +170,8 @@ TEST_F(ToolRegistryTest, TheKeptTextFollowsTheDocumentationDirectory) {
 }
 
 TEST_F(ToolRegistryTest, RegistrationOrderIsKept) {
-  const Names expected = {"current_settings",
-                          "list_dictionary",
-                          "list_augments",
-                          "orvane_version",
-                          "computer_list_apps",
-                          "computer_inspect",
-                          "computer_read",
-                          "computer_get_screenshot",
-                          "computer_open",
-                          "computer_click",
-                          "computer_deliver_text",
-                          "computer_press_key",
-                          "computer_scroll",
-                          "computer_select",
-                          "read_preferences",
-                          "remember_preference",
-                          "list_personas",
-                          "list_input_devices",
-                          "list_tts_voices",
-                          "get_insights",
-                          "list_meetings",
-                          "search_meetings",
-                          "get_meeting",
-                          "get_meeting_notes",
-                          "get_meeting_transcript",
-                          "set_active_persona",
-                          "set_assistant_backend",
-                          "set_assistant_trigger_word",
-                          "set_input_device",
-                          "set_selection_edit_enabled",
-                          "speak",
-                          "activate_augment",
-                          "deactivate_augment",
-                          "slate_open",
-                          "slate_close",
-                          "slate_clear",
-                          "slate_save",
-                          "slate_set_routing",
-                          "slate_set_frontmatter",
-                          "slate_remove_frontmatter",
-                          "get_slate",
-                          "read_open_file"};
+  Names expected;
+  for (const DecidedTool& tool : decidedTools()) expected.push_back(tool.name);
   Names actual;
   for (const ToolHandle& tool : allTools()) actual.emplace_back(tool.name);
   EXPECT_EQ(actual, expected);

@@ -14,5 +14,8 @@ export const programUnderTest = () => passedOn('ORVANE_PROGRAM_UNDER_TEST');
 /** The path of the stand-in for the application. */
 export const standinUnderTest = () => passedOn('ORVANE_STANDIN_UNDER_TEST');
 
-/** How many tools a server with all toolsets offers. */
-export const toolCount = 42;
+/** The names of the tools that a server with all toolsets offers, in ascending order. */
+export const toolNames = fs
+  .readdirSync(new URL('../snapshots', import.meta.url))
+  .map((file) => file.replace(/\.json$/, ''))
+  .sort();
