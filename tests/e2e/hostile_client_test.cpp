@@ -132,15 +132,24 @@ class LateAnswer {
   ScriptedApplication application_;
 };
 
-// The end of the input is noticed after the call that is under way: it is answered.
-TEST_F(HostileClientTest, AClientThatEndsItsInputDuringACall) {
-  for (const bool socketPairs : {false, true}) {
-    LateAnswer application(home_.socketPath());
+class HostileClientDuringACallTest : public HostileClientTest {
+ protected:
+  // A server whose call has reached the application.
+  std::unique_ptr<ServerProcess> startWithCallTo(LateAnswer& application, bool socketPairs) {
     Launch launch;
     launch.socketPairs = socketPairs;
     auto server = start(launch);
     server->send(toolCall("get_insights") + "\n");
     application.awaitRequest();
+    return server;
+  }
+};
+
+// The end of the input is noticed after the call that is under way: it is answered.
+TEST_F(HostileClientDuringACallTest, AClientThatEndsItsInput) {
+  for (const bool socketPairs : {false, true}) {
+    LateAnswer application(home_.socketPath());
+    const auto server = startWithCallTo(application, socketPairs);
     server->closeInput();
     application.answer();
     EXPECT_EQ(toolResult(parseJson(server->readLine().value_or("null"))), parseJson(R"({"n":1})"));
@@ -149,14 +158,10 @@ TEST_F(HostileClientTest, AClientThatEndsItsInputDuringACall) {
 }
 
 // Nobody is there to be answered: the program learns that when it tries.
-TEST_F(HostileClientTest, AClientThatVanishesDuringACall) {
+TEST_F(HostileClientDuringACallTest, AClientThatVanishes) {
   for (const bool socketPairs : {false, true}) {
     LateAnswer application(home_.socketPath());
-    Launch launch;
-    launch.socketPairs = socketPairs;
-    auto server = start(launch);
-    server->send(toolCall("get_insights") + "\n");
-    application.awaitRequest();
+    const auto server = startWithCallTo(application, socketPairs);
     server->closeInput();
     server->closeOutput();
     application.answer();

@@ -268,44 +268,5 @@ INSTANTIATE_TEST_SUITE_P(Descriptors, LineInputTest,
                                          Kind{"terminal", openTerminal, false, true, 4000}),
                          [](const auto& parameter) { return std::string(parameter.param.name); });
 
-TEST(LineInputSharingTest, LinesThatCameInPlaceOfTheOneSeenAreStillToldApart) {
-  const Stream stream = openPipe();
-  LineInput input(stream.input.get());
-  ASSERT_EQ(writeFully(stream.writer.get(), "one\nseconds\n"), 0);
-  EXPECT_EQ(input.take(), "one\n");
-  // Someone else reads the line that was seen, and shorter ones follow.
-  std::array<char, 8> seconds{};
-  ASSERT_EQ(read(stream.input.get(), seconds.data(), seconds.size()), 8);
-  ASSERT_EQ(writeFully(stream.writer.get(), "a\n\nbc\ndef\n"), 0);
-  EXPECT_EQ(input.take(), "a\n");
-  EXPECT_EQ(input.take(), "\n");
-  EXPECT_EQ(input.take(), "bc\n");
-  std::string line;
-  while (!line.ends_with('\n')) line += input.take();
-  EXPECT_EQ(line, "def\n");
-}
-
-// Of a packet, what is not read at once is lost; so the next packet is never taken for its rest.
-TEST(LineInputPacketTest, OfEachPacketTheFirstByteIsRead) {
-  std::array<int, 2> ends{};
-  ASSERT_EQ(socketpair(AF_UNIX, SOCK_DGRAM, 0, ends.data()), 0);
-  const Stream stream{Descriptor(ends[0]), Descriptor(ends[1])};
-  LineInput input(stream.input.get());
-  for (const std::string_view packet : {"a\nlost", "b", "\n"}) {
-    ASSERT_EQ(send(stream.writer.get(), packet.data(), packet.size(), 0), static_cast<ssize_t>(packet.size()));
-  }
-  EXPECT_EQ(input.take(), "a");
-  EXPECT_EQ(input.take(), "b");
-  EXPECT_EQ(input.take(), "\n");
-}
-
-TEST(LineInputFailureTest, AFailedReadIsAnEnd) {
-  EXPECT_TRUE(LineInput(-1).take().empty());
-  const Descriptor directory(open("/", O_RDONLY));
-  EXPECT_TRUE(LineInput(directory.get()).take().empty());
-  const Descriptor nothing(open("/dev/null", O_RDONLY));
-  EXPECT_TRUE(LineInput(nothing.get()).take().empty());
-}
-
 }  // namespace
 }  // namespace orvane::test

@@ -28,11 +28,11 @@ struct FreeDeleter {
 };
 using MallocString = std::unique_ptr<char, FreeDeleter>;
 
-// `path` with all symbolic links resolved, as far as it exists; what does not exist is kept as it stands.
+// The absolute `path` with all symbolic links resolved, as far as it exists; what does not exist is kept as it stands.
 std::string resolvedPath(const std::string& path) {
   // The system takes no longer path, so the end of one that is longer does not exist.
   std::size_t end = path.size() < PATH_MAX ? path.size() : path.rfind('/', PATH_MAX - 1);
-  while (end != 0 && end != std::string::npos) {
+  while (end != 0) {
     if (const MallocString resolved{realpath(path.substr(0, end).c_str(), nullptr)}) {
       return end == path.size() ? resolved.get() : joinPath(resolved.get(), path.substr(end + 1));
     }
