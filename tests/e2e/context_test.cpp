@@ -1,5 +1,6 @@
 // Preference notes and the context audit log, from real files in a private home and with several servers at once.
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -144,8 +145,10 @@ TEST_F(ContextTest, ALogAtTheLimitOfFileSizesIsAFailedWrite) {
   home_.write(preferencesFile, "- note\n");
   home_.write(logFile, std::string(4 * mebibyte, '\n'));
   Launch launch;
-  launch.program = "/bin/sh";
-  launch.arguments = {"-c", "ulimit -f 2048; exec \"$0\"", ORVANE_MCP_PROGRAM};
+  launch.prepare = [] {
+    constexpr rlimit limit{mebibyte, mebibyte};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  };
   auto server = start(launch);
   EXPECT_EQ(toolResult(server->request(toolCall("read_preferences"))),
             parseJson(R"({"content":"- note\n","char_count":7})"));
@@ -154,8 +157,7 @@ TEST_F(ContextTest, ALogAtTheLimitOfFileSizesIsAFailedWrite) {
 
 TEST_F(ContextTest, NewFilesHaveTheDefaultPermissions) {
   Launch launch;
-  launch.program = "/bin/sh";
-  launch.arguments = {"-c", "umask 023; exec \"$0\"", ORVANE_MCP_PROGRAM};
+  launch.prepare = [] { umask(023); };
   auto server = start(launch);
   toolResult(server->request(toolCall("remember_preference", R"({"note":"a"})")));
   expectCleanEnd(*server);

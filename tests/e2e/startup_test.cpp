@@ -1,4 +1,6 @@
 // How the command line and the environment are read, seen through tools/list.
+#include <unistd.h>
+
 #include <filesystem>
 
 #include "tests/support/decided_tools.h"
@@ -35,8 +37,7 @@ TEST_F(StartupTest, ClosedInputEndsSilently) {
 // What the program opens must not take the place of a stream that is closed.
 TEST_F(StartupTest, AClosedStreamIsFilledBeforeAnythingIsOpened) {
   Launch launch;
-  launch.program = "/bin/sh";
-  launch.arguments = {"-c", "exec \"$0\" 2>&-", ORVANE_MCP_PROGRAM};
+  launch.prepare = [] { close(STDERR_FILENO); };
   auto server = start(launch);
   expectPong(*server);
   EXPECT_EQ(std::filesystem::read_symlink("/proc/" + std::to_string(server->id()) + "/fd/2"), "/dev/null");
@@ -44,7 +45,10 @@ TEST_F(StartupTest, AClosedStreamIsFilledBeforeAnythingIsOpened) {
   expectPong(*server);
   expectCleanEnd(*server);
 
-  launch.arguments = {"-c", "exec \"$0\" 0<&- 2>&-", ORVANE_MCP_PROGRAM};
+  launch.prepare = [] {
+    close(STDIN_FILENO);
+    close(STDERR_FILENO);
+  };
   server = start(launch);
   expectCleanEnd(*server);
 }

@@ -88,6 +88,7 @@ ServerProcess::ServerProcess(const PrivateHome& home, const Launch& launch) {
       _exit(126);
     }
     std::signal(SIGPIPE, SIG_DFL);
+    if (launch.prepare != nullptr) launch.prepare();
     execve(launch.program.c_str(), argumentPointers.data(), environmentPointers.data());
     _exit(127);
   }

@@ -27,6 +27,7 @@ struct Launch {
   std::vector<std::string> preload;          ///< shared libraries to preload beside the home's
   bool socketPairs = false;                  ///< standard input and output are sockets instead of pipes
   bool nonBlocking = false;                  ///< the child's ends of both are left in non-blocking mode
+  void (*prepare)() = nullptr;               ///< called in the child last of all; only what is safe after a fork
 };
 
 class ServerProcess {
