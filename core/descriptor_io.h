@@ -16,6 +16,13 @@ auto retryInterrupted(Call call) {
   return result;
 }
 
+/// Whether the errno value `error` says that a non-blocking descriptor has nothing to give, or no room, at the moment.
+constexpr bool isNotReady(int error) {
+  // POSIX has two names; they are one value on every system we know.
+  static_assert(EAGAIN == EWOULDBLOCK);
+  return error == EAGAIN;
+}
+
 /// Writes all of `bytes` to `descriptor`, in one call unless the system takes less. Returns 0, or the errno value of
 /// the failure, after which a part may have been written. Never waits for a non-blocking descriptor: EAGAIN is a
 /// failure.

@@ -1,5 +1,5 @@
-// Whole-file reads and atomic replacement, by path. A directory, a FIFO, a device or a socket in place of a
-// file neither blocks nor counts as a file. Nothing here throws for what the file system does.
+// Whole-file reads and atomic replacement, by path. A directory, a FIFO, a device or a socket in place of a file
+// neither blocks nor counts as a file. Nothing here throws for what the file system does.
 #pragma once
 
 #include <optional>

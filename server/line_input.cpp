@@ -7,6 +7,8 @@
 
 #include <cerrno>
 
+#include "core/descriptor_io.h"
+
 namespace orvane {
 
 namespace {
@@ -14,13 +16,10 @@ namespace {
 // As much as a pipe holds by default.
 constexpr std::size_t bufferSize = 65536;
 
-// Two names of one value on every system we know; a condition that asks for either would ask twice.
-static_assert(EAGAIN == EWOULDBLOCK);
-
 // Whether a call that failed can be made again: it was interrupted, or data has come after a wait.
 bool canRetry(int descriptor) {
   if (errno == EINTR) return true;
-  if (errno != EAGAIN) return false;
+  if (!isNotReady(errno)) return false;
   pollfd waiting{descriptor, POLLIN, 0};
   return poll(&waiting, 1, -1) >= 0 || errno == EINTR;
 }

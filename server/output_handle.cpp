@@ -7,12 +7,11 @@
 #include <array>
 #include <cerrno>
 
+#include "core/descriptor_io.h"
+
 namespace orvane {
 
 namespace {
-
-// Two names of one value on every system we know; a condition that asks for either would ask twice.
-static_assert(EAGAIN == EWOULDBLOCK);
 
 // Waits until `descriptor` takes data again; false if that cannot be known.
 bool waitUntilWritable(int descriptor) {
@@ -38,7 +37,7 @@ void OutputHandle::write(std::span<const std::string_view> pieces) {
     const ssize_t result = writev(descriptor_, &vector[first], static_cast<int>(count - first));
     if (result < 0) {
       if (errno == EINTR) continue;
-      if (errno == EAGAIN && waitUntilWritable(descriptor_)) continue;
+      if (isNotReady(errno) && waitUntilWritable(descriptor_)) continue;
       isBroken_ = hasStarted;
       return;
     }

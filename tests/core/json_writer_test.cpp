@@ -91,7 +91,7 @@ TEST(WriteJSONTest, NumbersComeOutAsTheyWentIn) {
   EXPECT_EQ(writeCompactJSON(parsed(writePrettyJSON(parsed(text)))), text);
 }
 
-TEST(WritePrettyJSONTest, IndentationEndsToGrowAtSixteenLevels) {
+TEST(WritePrettyJSONTest, IndentationStopsGrowingAtSixteenLevels) {
   const std::string text = writePrettyJSON(parsed(nestedArrays(100, "1")));
   const std::string widest(32, ' ');
   EXPECT_NE(text.find("\n" + widest + "["), std::string::npos);
